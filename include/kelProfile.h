@@ -1,0 +1,543 @@
+/*
+ * kelProfile: the XML configuration and project files of the media
+ * application, read into fixed-layout records and written back.
+ *
+ * Records are plain structures whose field order and widths are the binary
+ * interface: the host reads and writes them field by field. Text inside the
+ * records of profiles, customizations, option groups, temporary options and
+ * products is GBK (attribute values excepted, which stay UTF-8 as in the
+ * file); web-player and DVD records hold UTF-8. Every file written is UTF-8.
+ *
+ * File functions return 0 on success and 1 on failure. A reader clears its
+ * record before it opens the file, so a failed read leaves a cleared record;
+ * it never releases what the record held before. The library keeps no state
+ * between calls and is used from one thread at a time (readers reset
+ * libxml2's global parser state when they finish).
+ *
+ * Choices that apply throughout:
+ *  - A value longer than its fixed field is cut to the field (width - 1
+ *    bytes and a terminator), never inside a multibyte character, and never
+ *    touches the next field.
+ *  - Items beyond a fixed capacity (10 languages, 20 list entries, 120
+ *    add-ons, 12 frames or titles, 512 files in a folder) are ignored.
+ *  - libxml2's own error messages are kept quiet during every call: the
+ *    result code is the only report.
+ */
+#ifndef KELPROFILE_H
+#define KELPROFILE_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define KELPROFILE_API __declspec(dllexport)
+#else
+#define KELPROFILE_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+#include <dirent.h>
+#include <libxml/tree.h>
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------
+ * Shared types
+ * ---------------------------------------------------------------------- */
+
+/* Result of the folder loaders and of the product reader. */
+typedef struct RecordArray {
+    void* records; /* one malloc block of records side by side; caller frees */
+    int32_t count; /* number of valid records from the start of the block */
+} RecordArray;
+
+/* ------------------------------------------------------------------------
+ * Conversion profiles
+ * ---------------------------------------------------------------------- */
+
+struct ConfigItem;
+struct Profile;
+
+/* One choice of a list item. */
+typedef struct ListEntry {
+    char* label[10];          /* label per language slot (GBK heap text) */
+    char value[512];          /* value of the choice (GBK) */
+    struct ConfigItem* owner; /* item holding this entry; not owned */
+} ListEntry;
+
+/* One configuration item of a profile. */
+typedef struct ConfigItem {
+    char name[512];         /* key, attribute "name" as in the file */
+    char group[128];        /* attribute "group" as in the file */
+    int32_t readyOnly;      /* read-only flag */
+    int32_t displayType;    /* 20 list, 21 input, 22 checkbox, 23 chooseFile,
+                               24 chooseColor, 0 unknown */
+    int32_t valueType;      /* 1 int, 2 string, 3 double, 0 unknown */
+    char* label[10];        /* label per language slot (GBK heap text) */
+    char* description[10];  /* description per language slot */
+    ListEntry* listEntries; /* choices; a reader allocates room for 20 */
+    int32_t listEntryCount; /* number of choices in use */
+    int32_t defaultInt;     /* default of a list item (displayType 20) */
+    char defaultValue[512]; /* default of every other item (GBK) */
+    struct Profile* owner;  /* profile holding this item; not owned */
+} ConfigItem;
+
+/* One converter preset with up to ten languages. */
+typedef struct Profile {
+    char fileName[512];         /* file name without its folder */
+    char name[512];             /* internal name (GBK) */
+    int32_t langCount;          /* language slots in use, 1 to 10 */
+    char* langNames[10];        /* language name of each slot, or null */
+    char* displayName[10];      /* display name per slot (GBK heap text) */
+    char* desc[10];             /* description per slot */
+    char format[128];           /* output format */
+    char extName[128];          /* output file extension */
+    int32_t isSysProfile;       /* system profile flag */
+    int32_t type;               /* profile type number */
+    int32_t device;             /* target device number */
+    int32_t groupId;            /* identifier of the profile's group */
+    char* groupDisplayName[10]; /* group display name per slot */
+    ConfigItem* configItems;    /* items in file order */
+    int32_t configItemCount;    /* number of items */
+} Profile;
+
+/* Reads a profile file. Beyond the record's capacities: languages after the
+ * tenth share no slot and their texts are dropped; list pieces after the
+ * twentieth are dropped. A ConfigItem without "name", "group" or
+ * "readyOnly" gets an empty text or 0. Labels of list entries beyond the
+ * number of values are released with the record by freeProfile. */
+KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
+/* Writes a profile file. Joined list labels or values longer than 1023
+ * bytes are cut at the last whole piece that fits. */
+KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
+/* Writes one profile file from a settings profile and a texts profile
+ * matched item by item. Items of the settings profile without a
+ * counterpart in the texts profile get no translated labels or
+ * descriptions; every null text the merge needs is written as an empty
+ * element. */
+KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
+/* Releases everything the record owns (not the record itself). Counts are
+ * clamped to the arrays' capacities; list entry labels at or beyond
+ * listEntryCount in a reader's 20-entry array are released too. */
+KELPROFILE_API void freeProfile(Profile* record);
+/* freeProfile on the profile the cell points to, then free(cell). */
+KELPROFILE_API void freePtrProfile(Profile** cell);
+/* Deep copy; every owner pointer of the copy points into the copy. When an
+ * allocation fails the target is left cleared. */
+KELPROFILE_API void copyProfile(Profile* target, const Profile* source);
+
+/* ------------------------------------------------------------------------
+ * Publishing customization
+ * ---------------------------------------------------------------------- */
+
+/* Player settings of a customization. */
+typedef struct PlayOption {
+    char playerSkinPath[1024];   /* player skin path (GBK) */
+    int32_t skinAutoHide;        /* skin hides by itself */
+    int32_t mouseAutoHide;       /* mouse pointer hides by itself */
+    int32_t hideDelay;           /* delay before hiding */
+    int32_t r;                   /* colour, red */
+    int32_t g;                   /* colour, green */
+    int32_t b;                   /* colour, blue */
+    char preLoderSkinPath[1024]; /* preloader skin path (GBK) */
+    char effectSkinPath[1024];   /* effect skin path (GBK) */
+} PlayOption;
+
+/* An advert inserted into the play. */
+typedef struct InsertADOption {
+    char name[128];         /* attribute "name" as in the file */
+    int32_t enable;         /* flag */
+    int32_t fileType;       /* kind of advert file */
+    int32_t positionType;   /* where in the play */
+    char imageInfo[1024];   /* image of the advert (GBK) */
+    char textContent[1024]; /* advert text (GBK) */
+    char videpPath[1024];   /* video of the advert (GBK) */
+    int32_t r;              /* colour, red */
+    int32_t g;              /* colour, green */
+    int32_t b;              /* colour, blue */
+    int32_t size;           /* text size */
+    char typeName[128];     /* font name, as in the file */
+    int32_t textR;          /* text colour, red */
+    int32_t textG;          /* text colour, green */
+    int32_t textB;          /* text colour, blue */
+    int32_t duration;       /* duration */
+    int32_t startTime;      /* start time */
+    char fontX[10];         /* text geometry, as in the file */
+    char fontY[10];
+    char fontHeight[10];
+} InsertADOption;
+
+/* A clickable advert. */
+typedef struct ADOption {
+    char name[128];         /* attribute "name" as in the file */
+    int32_t enable;         /* flag */
+    int32_t fileType;       /* kind of advert file */
+    char imageInfo[1024];   /* image (GBK) */
+    char textContent[1024]; /* text (GBK) */
+    char videpPath[1024];   /* video (GBK) */
+    int32_t size;           /* text size */
+    char typeName[128];     /* font name, as in the file */
+    int32_t textR;          /* text colour, red */
+    int32_t textG;          /* text colour, green */
+    int32_t textB;          /* text colour, blue */
+    char caption[1024];     /* caption (GBK) */
+    int32_t position;       /* position code */
+    int32_t duration;       /* duration */
+    char clickURL[1024];    /* address opened on a click, as in the file */
+    char clickTarget[32];   /* where the address opens */
+    char imageX[10];        /* image geometry, as in the file */
+    char imageY[10];
+    char imageWidth[10];
+    char imageHeight[10];
+    char fontX[10]; /* text geometry, as in the file */
+    char fontY[10];
+    char fontWidth[10];
+    char fontHeight[10];
+} ADOption;
+
+/* One publishing customization. */
+typedef struct Customize {
+    char profileName[256];           /* profile name (GBK) */
+    int32_t GenerateFLV;             /* produce an FLV file */
+    int32_t GenerateSWF;             /* produce a SWF file */
+    int32_t swfType;                 /* kind of SWF */
+    int32_t GenerateHTML;            /* produce an HTML page */
+    int32_t GenerateThumbnail;       /* produce a thumbnail */
+    PlayOption* playOption;          /* player settings, or null */
+    ADOption* adOptions;             /* clickable adverts */
+    int32_t adOptionCount;           /* number of clickable adverts */
+    InsertADOption* insertADOptions; /* inserted adverts */
+    int32_t insertADOptionCount;     /* number of inserted adverts */
+} Customize;
+
+KELPROFILE_API int32_t praseCustomizeXmlFile(const char* path, Customize* record);
+/* A record without a playOption block is written with a "playOption" of
+ * zeros. "skinAutoHide" is written before "mouseAutoHide" so that it
+ * survives a save and a reload. */
+KELPROFILE_API int32_t saveCustomizeXmlFile(const char* path, const Customize* record);
+/* Releases the three blocks the record owns (not the record itself). */
+KELPROFILE_API void freeCustomize(Customize* record);
+/* freeCustomize on the record the holder points to, then free(holder). */
+KELPROFILE_API void freePtrCustomize(Customize** holder);
+
+/* ------------------------------------------------------------------------
+ * Web-player projects and media lists (UTF-8 throughout)
+ * ---------------------------------------------------------------------- */
+
+/* Add-on addresses of a player. */
+typedef struct AddOnsList {
+    char* href[120]; /* address of each add-on (heap text), or null */
+    int32_t count;   /* slots in use, 0 to 120 */
+} AddOnsList;
+
+/* An advert of a play item. */
+typedef struct AdvertItem {
+    char opaque[128];     /* the host's; never read or written */
+    char videotype[32];   /* kind of advert media ("flv", "swf", ...) */
+    char filepath[1024];  /* advert media file */
+    int32_t opaqueWord;   /* the host's; never read or written */
+    char caption[1024];   /* caption */
+    char position[32];    /* position */
+    char duration[32];    /* duration */
+    char clickurl[1024];  /* address opened on a click */
+    char clicktarget[32]; /* target of clickurl */
+    int32_t sound;        /* only for "flv" and "swf" */
+    int32_t fadein;       /* fade in */
+    int32_t fadeout;      /* fade out */
+    char options[1024];   /* option text */
+} AdvertItem;
+
+/* A watermark of a play item or of the whole media list. */
+typedef struct WatermarkItem {
+    char opaque[128];     /* the host's; never read or written */
+    char videotype[32];   /* kind of watermark ("flv", "swf", "text", ...) */
+    char filepath[1024];  /* media file */
+    char caption[1024];   /* caption */
+    char position[32];    /* position */
+    char duration[32];    /* duration */
+    char clickurl[1024];  /* address opened on a click */
+    char clicktarget[32]; /* target of clickurl */
+    int32_t sound;        /* only for "flv" and "swf" */
+    int32_t fadein;       /* fade in */
+    int32_t fadeout;      /* fade out */
+    char origin[32];      /* reference of the offsets */
+    int32_t offsetleft;   /* offset from the left */
+    int32_t offsettop;    /* offset from the top */
+    int32_t width;        /* width */
+    int32_t height;       /* height */
+    int32_t transparency; /* transparency */
+    int32_t swfwidth;     /* only for "swf" */
+    int32_t swfheight;    /* only for "swf" */
+    char options[1024];   /* option text */
+    int32_t fontsize;     /* only for "text" */
+    char fontname[128];   /* only for "text" */
+    char fontstyle[128];  /* only for "text" */
+    int32_t fontcolor;    /* only for "text"; a colour value */
+} WatermarkItem;
+
+/* One entry of the play list. */
+typedef struct PlayItem {
+    char caption[1024];        /* caption */
+    char path[1024];           /* media file */
+    char image[1024];          /* image */
+    char clickurl[1024];       /* address opened on a click */
+    char clicktarget[1024];    /* target of clickurl */
+    char endurl[1024];         /* address used at the end */
+    char styleoftarget[1024];  /* style of the target */
+    char endtarget[1024];      /* target of endurl */
+    char options[1024];        /* option text */
+    AdvertItem* adverts;       /* adverts in file order */
+    int32_t advertCount;       /* number of adverts */
+    WatermarkItem* watermarks; /* watermarks in file order */
+    int32_t watermarkCount;    /* number of watermarks */
+} PlayItem;
+
+/* A web-player project. */
+typedef struct KELProject {
+    char playskin[256];       /* player skin */
+    int32_t playerBG;         /* player background value */
+    int32_t publishXmlIsOut;  /* publishing flag */
+    char misc[256];           /* free text */
+    char* publishDomain;      /* publishing domain (heap text) */
+    char* publishPath;        /* publishing path (heap text) */
+    char optionFileName[256]; /* name of the project's option file */
+    char* option;             /* option text (heap text) */
+    AddOnsList addOns;        /* add-on addresses */
+    PlayItem* playItems;      /* the play list */
+    int32_t playItemCount;    /* number of play items */
+} KELProject;
+
+/* What the media list is written from; owns nothing. */
+typedef struct MediaListData {
+    WatermarkItem* globalWatermarks; /* watermarks of the whole list */
+    int32_t globalWatermarkCount;    /* number of global watermarks */
+    PlayItem* playItems;             /* the play list */
+    int32_t playItemCount;           /* number of play items */
+} MediaListData;
+
+/* Allocates a cleared project and stores it in *out; on allocation failure
+ * stores and returns null. */
+KELPROFILE_API KELProject* createKELProject(KELProject** out);
+/* Releases the project and all it owns, then sets *project to null. */
+KELPROFILE_API void freeKELProject(KELProject** project);
+/* Reads a project file; "addonsItem" elements after the 120th are ignored.
+ * An allocation failure releases what was read and returns 1 with the
+ * record cleared. */
+KELPROFILE_API int32_t openWebPlayerXmlFile(const char* path, KELProject* project);
+KELPROFILE_API int32_t saveWebPlayerXmlFile(const char* path, const KELProject* project);
+KELPROFILE_API int32_t saveMediaListXmlFile(const char* path, const MediaListData* data);
+KELPROFILE_API int32_t saveAddOnsListXmlFile(const char* path, const AddOnsList* list);
+
+/* ------------------------------------------------------------------------
+ * DVD menus and authoring (UTF-8 throughout)
+ * ---------------------------------------------------------------------- */
+
+/* One placed item of a menu: image, optional mask and rectangle. */
+typedef struct DVDMenuItem {
+    char imgName[256];     /* image file name */
+    char imgMaskPath[256]; /* mask image path of a frame */
+    int32_t x;             /* left edge, pixels */
+    int32_t y;             /* top edge, pixels */
+    int32_t w;             /* width, pixels */
+    int32_t h;             /* height, pixels */
+} DVDMenuItem;
+
+/* One menu template, plain and Broadband layouts. */
+typedef struct DVDMenu {
+    char thumbnailName[256];             /* thumbnail image */
+    char thumbnailNameBroadband[256];    /* Broadband thumbnail image */
+    char bgImageName[256];               /* background image */
+    char bgImageNameBroadband[256];      /* Broadband background image */
+    char frameImgName[512];              /* frame image of "frames" */
+    char imgMaskPath[512];               /* mask image of "frames" */
+    char maskColor[12];                  /* mask colour */
+    int32_t frameCount;                  /* frames read by the last frame list */
+    DVDMenuItem frames[12];              /* frames */
+    int32_t textCount;                   /* rectangles read by the last text list */
+    DVDMenuItem texts[12];               /* text rectangles */
+    DVDMenuItem navbtnsInfo[3];          /* navigation buttons */
+    DVDMenuItem framesBroadband[12];     /* Broadband frames */
+    DVDMenuItem textsBroadband[12];      /* Broadband text rectangles */
+    DVDMenuItem navbtnsInfoBroadband[3]; /* Broadband navigation buttons */
+} DVDMenu;
+
+/* Button overlay of one menu page, for spumux. */
+typedef struct DVDSubpicture {
+    char highlight[512];     /* image of the highlighted button */
+    char select[512];        /* image of the selected button */
+    char image[512];         /* image shown normally */
+    int32_t btnCount;        /* number of buttons used */
+    DVDMenuItem buttons[15]; /* up to 12 title and 3 navigation buttons;
+                                only x, y, w, h are used */
+} DVDSubpicture;
+
+/* One video title of a disc. */
+typedef struct DVDTitle {
+    char videoFormat[10]; /* video format, e.g. NTSC or PAL */
+    char aspect[8];       /* aspect, e.g. 4:3 or 16:9 */
+    char audioLang[16];   /* audio language */
+    char audioFormat[32]; /* audio format */
+    char vobFile[1030];   /* path of the title's video file */
+} DVDTitle;
+
+/* One main-menu page and the titles it offers. */
+typedef struct DVDMenuPage {
+    DVDTitle titles[12]; /* titles of the page, in order */
+    int32_t titleCount;  /* titles used, 0 to 12 */
+} DVDMenuPage;
+
+/* What the dvdauthor control file is written from. */
+typedef struct DVDDisc {
+    DVDMenuPage* pages;    /* menu pages, in order */
+    int32_t pageCount;     /* number of pages */
+    int32_t noMenu;        /* non-zero: the disc gets no main menu */
+    char menuFolder[1024]; /* folder holding the menu page videos */
+} DVDDisc;
+
+KELPROFILE_API int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record);
+/* Writes the spumux control file of one menu page; a btnCount above 15 is
+ * taken as 15. */
+KELPROFILE_API int32_t saveDVDMenuXml(const char* path, const DVDSubpicture* record);
+/* Writes the dvdauthor control file of a disc. A titleCount above 12 is
+ * taken as 12. */
+KELPROFILE_API int32_t saveDVDXml(const char* path, const DVDDisc* record);
+
+/* ------------------------------------------------------------------------
+ * Option groups, temporary options and products
+ * ---------------------------------------------------------------------- */
+
+/* A child option of an option item. */
+typedef struct ChildOptionItem {
+    char name[256];      /* attribute "name" as in the file */
+    int32_t readyOnly;   /* read-only flag */
+    int32_t displayType; /* display type code */
+    int32_t valueType;   /* value type code */
+    char* values;        /* values offered (GBK heap text), or null */
+    char* defaultValue;  /* default value (GBK heap text), or null */
+    char* description;   /* description (GBK heap text), or null */
+} ChildOptionItem;
+
+/* A top-level option item. */
+typedef struct OptionItem {
+    char name[256];              /* attribute "name" as in the file */
+    int32_t readyOnly;           /* read-only flag */
+    int32_t displayType;         /* display type code */
+    char* description;           /* description (GBK heap text), or null */
+    ChildOptionItem* childItems; /* child items in file order */
+    int32_t childItemCount;      /* number of child items */
+} OptionItem;
+
+/* An option group, made by createGroupOPtion. */
+typedef struct GroupOPtion {
+    OptionItem* optionItems; /* items in file order */
+    int32_t optionItemCount; /* number of items */
+} GroupOPtion;
+
+/* One named value of a temporary option file. */
+typedef struct TempOptionItem {
+    char name[256];  /* attribute "name" as in the file */
+    char value[256]; /* the item's text (GBK) */
+} TempOptionItem;
+
+/* A temporary option file. tempItems is one malloc block that the host
+ * releases with free. */
+typedef struct TempOption {
+    TempOptionItem* tempItems; /* items in file order */
+    int32_t tempItemCount;     /* number of items */
+    int32_t isSystem;          /* value of the item "isSystem" */
+    char profileName[512];     /* value of the item "profileName" (GBK) */
+} TempOption;
+
+/* One product of a product information file. */
+typedef struct ProductInfo {
+    char title[256];      /* title (GBK) */
+    char content[2048];   /* body text (GBK) */
+    char buttonName[256]; /* button label (GBK) */
+    char linkURl[256];    /* link the button opens (GBK) */
+} ProductInfo;
+
+/* Allocates an empty group and stores it in *out; on allocation failure
+ * stores and returns null. */
+KELPROFILE_API GroupOPtion* createGroupOPtion(GroupOPtion** out);
+/* Reads an option group file into the group. Arrays the group held before
+ * are not released (the caller does that). */
+KELPROFILE_API int32_t praseOPtionXmlFile(const char* path, GroupOPtion* group);
+/* Releases the group with every item's strings and child arrays, then sets
+ * *group to null. */
+KELPROFILE_API void freeGroupOPtion(GroupOPtion** group);
+/* Reads a temporary option file. An allocation failure gives 1 with the
+ * record cleared. */
+KELPROFILE_API int32_t praseOptionXmlFile(const char* path, TempOption* record);
+/* Writes a temporary option file; a value that is not valid GBK is written
+ * as an empty "optionItem". */
+KELPROFILE_API int32_t saveOptionXmlFile(const char* path, const TempOption* record);
+/* Reads a product information file into an array of ProductInfo. */
+KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/* ------------------------------------------------------------------------
+ * Foundation (C++ linkage)
+ * ---------------------------------------------------------------------- */
+
+/* Converts inlen bytes of in from fromcode to tocode into out (outlen bytes,
+ * zeroed first). 0 on success, -1 on failure. A result that fills all
+ * outlen bytes leaves no room for the terminator and counts as not fitting
+ * (-1). */
+KELPROFILE_API int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen,
+                          char* out, unsigned long outlen);
+/* Both convert UTF-8 to GBK into the 1024-byte dst, falling back to a copy
+ * of src; a copied source longer than 1023 bytes is cut to 1023. */
+KELPROFILE_API char* GBKtoUTF(char* src, char* dst);
+KELPROFILE_API char* UTFtoGBK(char* src, char* dst);
+
+KELPROFILE_API int kelAtoi(char* text);
+KELPROFILE_API char* kelStrdup(char* text);
+KELPROFILE_API void kelStrcpy(char* dst, const char* src);
+KELPROFILE_API unsigned long kelStrlen(char* text);
+/* The smallest int is written with its full magnitude: -2147483648. */
+KELPROFILE_API char* itoa(int value, char* buffer, int radix);
+/* Nothing happens when either pointer is null. */
+KELPROFILE_API void strreverse(char* first, char* last);
+/* Formats like vsprintf. A size above 0 bounds the output to size - 1
+ * characters and a terminator and the result is the number of characters
+ * stored; a size of 0 or less leaves the output unbounded, as callers that
+ * pass _countof(buffer) expect. */
+KELPROFILE_API int _snprintf_s(char* buffer, int size, int count, const char* format, ...);
+KELPROFILE_API int _countof(char* text);
+KELPROFILE_API void saveFree(void* pointer);
+/* A null node has 0 children. */
+KELPROFILE_API int getChildCount(xmlNode* node);
+
+KELPROFILE_API int findDisplayType(char* text);
+KELPROFILE_API const char* findDisplayStr(int code);
+KELPROFILE_API int findValueType(char* text);
+KELPROFILE_API const char* findValueType(int code);
+
+/* Slot of a language name, appending it when new. A name met when the
+ * table already holds 10 names is not added; it gets the slot -1, which the
+ * reader treats as "drop this text". */
+KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
+
+/* Follows symbolic links; a status that cannot be taken prints "stat()"
+ * with the reason and ends the process with status 1. */
+KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
+/* Appends the XML files below folder to names (at most 512 entries in
+ * all); paths that do not fit 511 bytes are skipped, and a folder already
+ * being descended through a symbolic link is not entered again. */
+KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
+/* Folder loaders: every XML file below the folder read into one block. When
+ * the block cannot be allocated, records is null and count 0. */
+KELPROFILE_API int praseXMLFolder(const char* folder, RecordArray* result);
+KELPROFILE_API int praseDVDXMLFolder(const char* folder, RecordArray* result);
+KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result);
+
+/* Reads the text of the element a dotted path names. A path of more than 5
+ * components or with a component over 511 bytes finds nothing. The value
+ * is copied whole: out must be large enough. */
+KELPROFILE_API int getXmlValue(const char* file, const char* path, char* out);
+KELPROFILE_API int setXmlValue(const char* file, const char* path, const char* value);
+
+#endif /* __cplusplus */
+
+#endif /* KELPROFILE_H */

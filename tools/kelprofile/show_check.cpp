@@ -1,0 +1,133 @@
+// kelprofile show and kelprofile check.
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <sstream>
+
+#include "tool.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+int show(const std::vector<std::string>& args) {
+    if (args.empty()) {
+        tool::error("show needs at least one FILE");
+        return tool::kUsage;
+    }
+    int status = tool::kOk;
+    for (const std::string& path : args) {
+        const tool::Family* family = tool::familyOf(path.c_str());
+        if (!family) {
+            tool::error(path +
+                        ": not a file kelprofile knows (missing, not XML, or an unknown root)");
+            status = tool::kFailed;
+            continue;
+        }
+        std::cout << "== " << path << " (" << family->name << ")\n";
+        if (!family->show(path.c_str(), std::cout)) {
+            tool::error(path + ": the library cannot read it");
+            status = tool::kFailed;
+        }
+    }
+    return status;
+}
+
+bool isXmlName(const fs::path& p) {
+    std::string ext = p.extension().string();
+    return ext == ".xml" || ext == ".XML";
+}
+
+// Every field the family prints, without the file name, which a round trip
+// through another path changes by design.
+std::vector<std::string> dump(const tool::Family& family, const char* path, bool& ok) {
+    std::ostringstream out;
+    ok = family.show(path, out);
+    std::vector<std::string> lines;
+    std::istringstream in(out.str());
+    for (std::string line; std::getline(in, line);)
+        if (line.find("fileName:") == std::string::npos) lines.push_back(line);
+    return lines;
+}
+
+// "" when the file reads back the same after a write, else what differs.
+std::string roundTrip(const tool::Family& family, const fs::path& file, const fs::path& scratch) {
+    bool ok = false;
+    std::vector<std::string> before = dump(family, file.c_str(), ok);
+    if (!ok) return "the library cannot read it";
+    if (!family.rewrite) return "";
+    fs::path copy = scratch / "copy.xml";
+    if (family.rewrite(file.c_str(), copy.c_str()) != 0) return "the library cannot write it back";
+    std::vector<std::string> after = dump(family, copy.c_str(), ok);
+    if (!ok) return "the written file cannot be read back";
+    for (std::size_t i = 0; i < before.size() || i < after.size(); ++i) {
+        std::string a = i < before.size() ? before[i] : "(nothing)";
+        std::string b = i < after.size() ? after[i] : "(nothing)";
+        if (a != b) return "changed in the round trip: '" + a + "' became '" + b + "'";
+    }
+    return "";
+}
+
+int check(const std::vector<std::string>& args) {
+    if (args.size() != 1) {
+        tool::error("check needs exactly one DIR");
+        return tool::kUsage;
+    }
+    std::error_code ec;
+    if (!fs::is_directory(args[0], ec)) {
+        tool::error(args[0] + ": not a folder");
+        return tool::kFailed;
+    }
+    std::string pattern = (fs::temp_directory_path() / "kelprofile-check-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) {
+        tool::error("cannot make a temporary folder");
+        return tool::kFailed;
+    }
+    fs::path scratch = pattern;
+
+    std::vector<fs::path> files;
+    for (fs::recursive_directory_iterator
+             it(args[0], fs::directory_options::skip_permission_denied, ec),
+         end;
+         it != end; it.increment(ec)) {
+        if (ec) break;
+        if (it->is_regular_file(ec) && isXmlName(it->path())) files.push_back(it->path());
+    }
+    std::sort(files.begin(), files.end());
+
+    int ok = 0, failed = 0, unknown = 0;
+    for (const fs::path& file : files) {
+        const tool::Family* family = tool::familyOf(file.c_str());
+        if (!family) {
+            std::cout << "skip    " << file.string() << ": not a file kelprofile knows\n";
+            ++unknown;
+            continue;
+        }
+        std::string problem = roundTrip(*family, file, scratch);
+        if (problem.empty()) {
+            std::cout << "ok      " << file.string() << " (" << family->name << ")\n";
+            ++ok;
+        } else {
+            std::cout << "FAILED  " << file.string() << " (" << family->name << "): " << problem
+                      << '\n';
+            ++failed;
+        }
+    }
+    fs::remove_all(scratch, ec);
+    std::cout << files.size() << " files: " << ok << " ok, " << failed << " failed, " << unknown
+              << " not recognised\n";
+    return failed ? tool::kFailed : tool::kOk;
+}
+
+tool::RegisterCommand showCommand({"show", "FILE...",
+                                   "prints the records of each file, record text shown as UTF-8",
+                                   show});
+tool::RegisterCommand checkCommand(
+    {"check", "DIR",
+     "reads every known file below DIR, writes it back to a temporary folder, reads it again\n"
+     "      and reports per file whether every field survived",
+     check});
+
+}  // namespace
