@@ -100,11 +100,12 @@ typedef struct Profile {
     int32_t configItemCount;    /* number of items */
 } Profile;
 
-/* Reads a profile file. Beyond the record's capacities: languages after the
- * tenth share no slot and their texts are dropped; list pieces after the
- * twentieth are dropped. A ConfigItem without "name", "group" or
- * "readyOnly" gets an empty text or 0. Labels of list entries beyond the
- * number of values are released with the record by freeProfile. */
+/* Reads a profile file. Beyond the record's capacities: a language met
+ * after ten others gets no slot and its texts are dropped; list pieces
+ * after the twentieth are dropped; labels of list entries beyond the number
+ * of values are dropped, so a read record owns nothing that freeProfile
+ * does not release. A ConfigItem without "name", "group" or "readyOnly"
+ * gets an empty text or 0. */
 KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
 /* Writes a profile file. Joined list labels or values longer than 1023
  * bytes are cut at the last whole piece that fits. */
@@ -115,9 +116,9 @@ KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
  * descriptions; every null text the merge needs is written as an empty
  * element. */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
-/* Releases everything the record owns (not the record itself). Counts are
- * clamped to the arrays' capacities; list entry labels at or beyond
- * listEntryCount in a reader's 20-entry array are released too. */
+/* Releases everything the record owns (not the record itself). Counts
+ * outside their range are taken as 0 (negative) or 10 (languages above
+ * ten). */
 KELPROFILE_API void freeProfile(Profile* record);
 /* freeProfile on the profile the cell points to, then free(cell). */
 KELPROFILE_API void freePtrProfile(Profile** cell);
