@@ -1,0 +1,188 @@
+// The binary interface: what the shared library exports and how, and the
+// command-line tool's contract (help, exit statuses, the examples).
+#include <cxxabi.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "support.h"
+
+namespace {
+
+// Runs a shell command; its standard output and exit status.
+struct Shell {
+    std::string out;
+    int status = -1;
+};
+Shell run(const std::string& command) {
+    Shell r;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (!pipe) return r;
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) r.out.append(buffer, n);
+    int status = pclose(pipe);
+    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return r;
+}
+
+// Functions with C linkage, exported under their plain names.
+const std::set<std::string> kCFunctions = {"praseXmlFile",
+                                           "saveXmlFile",
+                                           "megXmlFile",
+                                           "freeProfile",
+                                           "freePtrProfile",
+                                           "copyProfile",
+                                           "praseCustomizeXmlFile",
+                                           "saveCustomizeXmlFile",
+                                           "freeCustomize",
+                                           "freePtrCustomize",
+                                           "createKELProject",
+                                           "freeKELProject",
+                                           "openWebPlayerXmlFile",
+                                           "saveWebPlayerXmlFile",
+                                           "saveMediaListXmlFile",
+                                           "saveAddOnsListXmlFile",
+                                           "praseDVDMenuXmlFile",
+                                           "saveDVDMenuXml",
+                                           "saveDVDXml",
+                                           "createGroupOPtion",
+                                           "praseOPtionXmlFile",
+                                           "freeGroupOPtion",
+                                           "praseOptionXmlFile",
+                                           "saveOptionXmlFile",
+                                           "praseProductXmlFile"};
+// Functions with C++ linkage, exported with type-encoded names.
+const std::set<std::string> kCxxFunctions = {"covert",
+                                             "GBKtoUTF",
+                                             "UTFtoGBK",
+                                             "kelAtoi",
+                                             "kelStrdup",
+                                             "kelStrcpy",
+                                             "kelStrlen",
+                                             "itoa",
+                                             "strreverse",
+                                             "_snprintf_s",
+                                             "_countof",
+                                             "saveFree",
+                                             "getChildCount",
+                                             "findDisplayType",
+                                             "findDisplayStr",
+                                             "findValueType",
+                                             "getLangIndex",
+                                             "isDir",
+                                             "getXMLName",
+                                             "praseXMLFolder",
+                                             "praseDVDXMLFolder",
+                                             "praseOPtionXMLFolder",
+                                             "getXmlValue",
+                                             "setXmlValue"};
+// Families whose files the library does not handle yet.
+const std::set<std::string> kNotYet = {
+    "praseCustomizeXmlFile", "saveCustomizeXmlFile", "freeCustomize",
+    "freePtrCustomize",      "createKELProject",     "freeKELProject",
+    "openWebPlayerXmlFile",  "saveWebPlayerXmlFile", "saveMediaListXmlFile",
+    "saveAddOnsListXmlFile", "createGroupOPtion",    "praseOPtionXmlFile",
+    "freeGroupOPtion",       "praseProductXmlFile"};
+
+// "name(args)" of a demangled symbol, reduced to "name".
+std::string baseName(const std::string& symbol) {
+    int status = 0;
+    std::unique_ptr<char, void (*)(void*)> plain(
+        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status), std::free);
+    if (status != 0 || !plain) return "";
+    std::string name = plain.get();
+    return name.substr(0, name.find('('));
+}
+
+TEST(Interface, ExportsExactlyTheLibraryFunctionsWithTheirLinkage) {
+    Shell nm = run(std::string("nm -D --defined-only ") + KELPROFILE_LIBRARY);
+    ASSERT_EQ(nm.status, 0);
+    std::multiset<std::string> cSeen, cxxSeen;
+    std::istringstream lines(nm.out);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream fields(line);
+        std::string address, type, symbol;
+        if (!(fields >> address >> type >> symbol)) continue;
+        if (type == "A") continue;  // linker-made markers
+        if (symbol == "_init" || symbol == "_fini") continue;
+        if (symbol.rfind("_Z", 0) == 0) {
+            std::string name = baseName(symbol);
+            EXPECT_TRUE(kCxxFunctions.count(name))
+                << "exported but not part of the interface: " << name;
+            cxxSeen.insert(name);
+        } else {
+            EXPECT_TRUE(kCFunctions.count(symbol))
+                << "exported but not part of the interface: " << symbol;
+            cSeen.insert(symbol);
+        }
+    }
+    for (const std::string& name : kCFunctions) {
+        if (kNotYet.count(name)) continue;
+        EXPECT_EQ(cSeen.count(name), 1u) << "missing with C linkage: " << name;
+    }
+    for (const std::string& name : kCxxFunctions) {
+        size_t overloads = name == "findValueType" ? 2 : 1;
+        EXPECT_EQ(cxxSeen.count(name), overloads) << "missing with C++ linkage: " << name;
+    }
+}
+
+TEST(Interface, LibraryCarriesItsSoname) {
+    Shell readelf = run(std::string("readelf -d ") + KELPROFILE_LIBRARY);
+    EXPECT_NE(readelf.out.find("Library soname: [libkelProfile.so.1]"), std::string::npos)
+        << readelf.out;
+}
+
+const std::string kTool = KELPROFILE_TOOL;
+
+TEST(Tool, ExitStatusesFollowTheContract) {
+    Shell help = run(kTool + " --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("kelprofile check DIR"), std::string::npos);
+    EXPECT_EQ(run(kTool + " 2>/dev/null").status, 2);
+    EXPECT_EQ(run(kTool + " frobnicate 2>/dev/null").status, 2);
+    EXPECT_EQ(run(kTool + " show 2>/dev/null").status, 2);
+    EXPECT_EQ(run(kTool + " show /nonexistent/file.xml 2>/dev/null").status, 1);
+    EXPECT_EQ(run(kTool + " check /nonexistent 2>/dev/null").status, 1);
+}
+
+TEST(Tool, ShowPrintsRecordTextAsUtf8) {
+    TempDir dir;
+    std::string path = dir.file("t.xml");
+    writeFile(path, std::string("<tempOption><optionItem name=\"profileName\">") + kUtf8Zhongwen +
+                        "</optionItem></tempOption>");
+    Shell show = run(kTool + " show " + path);
+    EXPECT_EQ(show.status, 0);
+    EXPECT_NE(show.out.find(std::string("profileName: ") + kUtf8Zhongwen), std::string::npos)
+        << show.out;
+}
+
+TEST(Tool, CheckReportsEachFileAndFailsWhenOneFails) {
+    TempDir dir;
+    writeFile(dir.file("good.xml"),
+              "<tempOption><optionItem name=\"a\">1</optionItem></tempOption>");
+    writeFile(dir.file("sub/other.xml"), "<unknownRoot/>");
+    writeFile(dir.file("notes.txt"), "not looked at");
+    Shell good = run(kTool + " check " + dir.path().string());
+    EXPECT_EQ(good.status, 0) << good.out;
+    EXPECT_NE(good.out.find("2 files: 1 ok, 0 failed, 1 not recognised"), std::string::npos)
+        << good.out;
+
+    // A value that reads back differently: GBK cannot hold the character.
+    writeFile(dir.file("lossy.xml"),
+              "<tempOption><optionItem name=\"a\">\xF0\x9F\x98\x80</optionItem></tempOption>");
+    Shell lossy = run(kTool + " check " + dir.path().string());
+    EXPECT_EQ(lossy.status, 1) << lossy.out;
+    EXPECT_NE(lossy.out.find("FAILED"), std::string::npos) << lossy.out;
+}
+
+TEST(Tool, ExamplesSurviveTheRoundTrip) {
+    Shell check = run(kTool + " check " + KELPROFILE_SOURCE_DIR + "/examples");
+    EXPECT_EQ(check.status, 0) << check.out;
+    EXPECT_EQ(check.out.find("FAILED"), std::string::npos) << check.out;
+}
+
+}  // namespace

@@ -1,0 +1,159 @@
+// Temporary option files: reading, writing and the round trip.
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "kelProfile.h"
+#include "support.h"
+
+namespace {
+
+// A record that frees its items when the test ends.
+struct Options : TempOption {
+    Options() { std::memset(static_cast<TempOption*>(this), 0, sizeof(TempOption)); }
+    ~Options() { std::free(tempItems); }
+    int read(const std::string& path) {
+        std::free(tempItems);
+        return praseOptionXmlFile(path.c_str(), this);
+    }
+};
+
+bool isCleared(const TempOption& r) {
+    static const TempOption zero{};
+    return std::memcmp(&r, &zero, sizeof r) == 0;
+}
+
+class TempOptionFile : public ::testing::Test {
+protected:
+    std::string write(const std::string& xml) {
+        std::string path = dir.file("options.xml");
+        writeFile(path, xml);
+        return path;
+    }
+    TempDir dir;
+    Options record;
+};
+
+TEST_F(TempOptionFile, ReadsItemsAndTheTwoSpecialNames) {
+    std::string path = write(std::string(R"(<?xml version="1.0" encoding="UTF-8"?>
+<tempOption>
+  <optionItem name="width">1280</optionItem>
+  <!-- comments and other elements are not items -->
+  <other name="profileName">ignored</other>
+  <optionItem name="profileName">)") +
+                             kUtf8Zhongwen + R"(</optionItem>
+  <optionItem name="isSystem">1</optionItem>
+  <optionItem>no name</optionItem>
+</tempOption>)");
+    ASSERT_EQ(record.read(path), 0);
+    ASSERT_EQ(record.tempItemCount, 4);
+    EXPECT_STREQ(record.tempItems[0].name, "width");
+    EXPECT_STREQ(record.tempItems[0].value, "1280");
+    EXPECT_STREQ(record.tempItems[1].value, kGbkZhongwen);
+    EXPECT_STREQ(record.profileName, kGbkZhongwen);
+    EXPECT_EQ(record.isSystem, 1);
+    EXPECT_STREQ(record.tempItems[3].name, "");
+    EXPECT_STREQ(record.tempItems[3].value, "no name");
+}
+
+TEST_F(TempOptionFile, LastNonEmptyProfileNameAndLastIsSystemWin) {
+    std::string path = write(R"(<tempOption>
+  <optionItem name="profileName">first</optionItem>
+  <optionItem name="isSystem">1</optionItem>
+  <optionItem name="profileName">second</optionItem>
+  <optionItem name="profileName"></optionItem>
+  <optionItem name="isSystem">yes</optionItem>
+  <optionItem name="ProfileName">case matters</optionItem>
+</tempOption>)");
+    ASSERT_EQ(record.read(path), 0);
+    EXPECT_STREQ(record.profileName, "second");
+    EXPECT_EQ(record.isSystem, 0);
+}
+
+TEST_F(TempOptionFile, UnreadableFilesGiveOneAndAClearedRecord) {
+    const char* cases[] = {"", "<tempOption><optionItem>", "not xml at all",
+                           "<?xml version=\"1.0\"?>"};
+    for (const char* text : cases) {
+        record.tempItemCount = 99;
+        EXPECT_EQ(record.read(write(text)), 1) << text;
+        EXPECT_TRUE(isCleared(record)) << text;
+    }
+    EXPECT_EQ(record.read(dir.file("missing.xml")), 1);
+    EXPECT_TRUE(isCleared(record));
+}
+
+TEST_F(TempOptionFile, EmptyRootReadsAsNoItems) {
+    ASSERT_EQ(record.read(write("<anyRoot/>")), 0);
+    EXPECT_EQ(record.tempItemCount, 0);
+    EXPECT_STREQ(record.profileName, "");
+}
+
+TEST_F(TempOptionFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
+    // 300 Chinese characters: 900 bytes of UTF-8, 600 bytes of GBK.
+    std::string zh;
+    for (int i = 0; i < 150; ++i) zh += kUtf8Zhongwen;
+    std::string name(1000, 'n');
+    std::string path = write("<tempOption><optionItem name=\"" + name + "\">" + zh +
+                             "</optionItem><optionItem name=\"profileName\">" + zh +
+                             "</optionItem><optionItem name=\"after\">x</optionItem></tempOption>");
+    ASSERT_EQ(record.read(path), 0);
+    ASSERT_EQ(record.tempItemCount, 3);
+    EXPECT_EQ(std::string(record.tempItems[0].name), std::string(255, 'n'));
+    EXPECT_EQ(std::strlen(record.tempItems[0].value), 254u) << "127 whole GBK characters";
+    EXPECT_EQ(std::memcmp(record.tempItems[0].value, kGbkZhongwen, 4), 0);
+    EXPECT_EQ(std::strlen(record.profileName), 254u) << "copied from the item's cut value";
+    EXPECT_STREQ(record.tempItems[2].name, "after");
+}
+
+TEST_F(TempOptionFile, TextThatDoesNotConvertIsKeptUnconverted) {
+    // U+1F600 has no GBK form.
+    std::string path =
+        write("<tempOption><optionItem name=\"face\">\xF0\x9F\x98\x80</optionItem></tempOption>");
+    ASSERT_EQ(record.read(path), 0);
+    EXPECT_STREQ(record.tempItems[0].value, "\xF0\x9F\x98\x80");
+}
+
+TEST_F(TempOptionFile, WritesItemsInOrderAndInvalidGbkAsEmptyItems) {
+    TempOptionItem items[3] = {};
+    std::strcpy(items[0].name, "profileName");
+    std::strcpy(items[0].value, kGbkZhongwen);
+    std::strcpy(items[1].name, "broken");
+    std::strcpy(items[1].value, "\x81");  // a lead byte without its trail byte
+    std::strcpy(items[2].name, "a&b");
+    std::strcpy(items[2].value, "<1>");
+    TempOption out{};
+    out.tempItems = items;
+    out.tempItemCount = 3;
+    out.isSystem = 1;  // not written by itself
+    std::string path = dir.file("saved.xml");
+    ASSERT_EQ(saveOptionXmlFile(path.c_str(), &out), 0);
+    EXPECT_EQ(readFile(path),
+              std::string(kDecl) + "<tempOption>\n" + "  <optionItem name=\"profileName\">" +
+                  kUtf8Zhongwen + "</optionItem>\n" +
+                  "  <optionItem name=\"broken\"></optionItem>\n" +
+                  "  <optionItem name=\"a&amp;b\">&lt;1&gt;</optionItem>\n" + "</tempOption>\n");
+
+    out.tempItemCount = 0;
+    ASSERT_EQ(saveOptionXmlFile(path.c_str(), &out), 0);
+    EXPECT_EQ(readFile(path), std::string(kDecl) + "<tempOption/>\n");
+
+    EXPECT_EQ(saveOptionXmlFile(dir.file("no/such/folder/x.xml").c_str(), &out), 1);
+}
+
+TEST_F(TempOptionFile, RoundTripKeepsEveryField) {
+    std::string path =
+        write(std::string("<tempOption>") + "<optionItem name=\"profileName\">" + kUtf8Zhongwen +
+              " HD</optionItem>" + "<optionItem name=\"isSystem\">1</optionItem>" +
+              "<optionItem name=\"bitrate\">-12</optionItem></tempOption>");
+    ASSERT_EQ(record.read(path), 0);
+    std::string copy = dir.file("copy.xml");
+    ASSERT_EQ(saveOptionXmlFile(copy.c_str(), &record), 0);
+    Options again;
+    ASSERT_EQ(again.read(copy), 0);
+    EXPECT_EQ(again.tempItemCount, record.tempItemCount);
+    EXPECT_EQ(again.isSystem, record.isSystem);
+    EXPECT_STREQ(again.profileName, record.profileName);
+    EXPECT_EQ(std::memcmp(again.tempItems, record.tempItems, sizeof(TempOptionItem) * 3), 0);
+}
+
+}  // namespace
