@@ -521,7 +521,9 @@ KELPROFILE_API const char* findValueType(int code);
 KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 
 /* Follows symbolic links; a status that cannot be taken prints "stat()"
- * with the reason and ends the process with status 1. */
+ * with the reason and ends the process with status 1. A folder and name
+ * that do not join within 1023 bytes are not a directory (no status is
+ * taken). */
 KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
 /* Appends the XML files below folder to names (at most 512 entries in
  * all); paths that do not fit 511 bytes are skipped, and a folder already
