@@ -1,0 +1,237 @@
+// Reading a profile file into a Profile record, and the language table that
+// hands out the record's language slots.
+#include <cstdlib>
+#include <cstring>
+
+#include "profile/profile.h"
+
+using namespace kel::profile;
+
+int getLangIndex(int& count, char** table, const char* name) {
+    if (!name) return 0;
+    if (!table) return -1;
+    int known = langSlots(count);
+    for (int i = 0; i < known; ++i)
+        if (table[i] && std::strcmp(table[i], name) == 0) return i;
+    if (known == kLangSlots) return -1;
+    char* copy = strdup(name);
+    if (!copy) return -1;
+    table[known] = copy;
+    count = known + 1;
+    return known;
+}
+
+namespace {
+
+using kel::isElement;
+
+int decimal(const char* text) {
+    return text ? std::atoi(text) : 0;
+}
+
+// A comma-separated list text ("ListItem" or "ListValue") of at most 1023
+// bytes, split in place into at most 20 pieces.
+class ListText {
+public:
+    void assign(kel::RecordText text) noexcept {
+        buf_[0] = 0;
+        enc_ = text.enc;
+        kel::copyField(buf_, text.text, enc_);
+    }
+    kel::Enc enc() const noexcept { return enc_; }
+    // Calls piece(m, text) for every piece m: a trailing comma adds none,
+    // empty pieces between commas count. Returns the number of pieces.
+    template <class F>
+    int split(F&& piece) noexcept {
+        int m = 0;
+        for (char* rest = buf_; *rest && m < kListCapacity;) {
+            char* comma = std::strchr(rest, ',');
+            if (comma) *comma = 0;
+            piece(m++, rest);
+            if (!comma) break;
+            rest = comma + 1;
+        }
+        return m;
+    }
+
+private:
+    char buf_[1024] = "";
+    kel::Enc enc_ = kel::Enc::Gbk;
+};
+
+class Reader {
+public:
+    explicit Reader(Profile& p) noexcept : p_(p) {}
+
+    // Fills the record from the root's "Main", "Group" and "Config"
+    // children; false when an allocation failed.
+    bool read(xmlNode* root) noexcept {
+        for (xmlNode* part : kel::elements(root)) {
+            if (!ok_) break;
+            if (isElement(part, "Main")) {
+                readMain(part);
+            } else if (isElement(part, "Group")) {
+                readGroup(part);
+            } else if (isElement(part, "Config")) {
+                readConfig(part);
+            }
+        }
+        if (p_.langCount == 0) p_.langCount = 1;
+        return ok_;
+    }
+
+private:
+    void readMain(xmlNode* main) noexcept {
+        for (xmlNode* child : kel::elements(main)) {
+            kel::XmlText raw = kel::content(child);
+            kel::RecordText text = converter_.toRecord(raw.get());
+            if (isElement(child, "Name")) {
+                text.copyTo(p_.name);
+            } else if (isElement(child, "DisplayName")) {
+                store(p_.displayName, child, text.text);
+            } else if (isElement(child, "Desc")) {
+                store(p_.desc, child, text.text);
+            } else if (isElement(child, "Format")) {
+                text.copyTo(p_.format);
+            } else if (isElement(child, "ExtName")) {
+                text.copyTo(p_.extName);
+            } else if (isElement(child, "IsSysProfile")) {
+                p_.isSysProfile = decimal(raw.get());
+            } else if (isElement(child, "Type")) {
+                p_.type = decimal(raw.get());
+            } else if (isElement(child, "Device")) {
+                p_.device = decimal(raw.get());
+            }
+        }
+    }
+
+    void readGroup(xmlNode* group) noexcept {
+        for (xmlNode* child : kel::elements(group)) {
+            kel::XmlText raw = kel::content(child);
+            if (isElement(child, "ID")) {
+                p_.groupId = decimal(raw.get());
+            } else if (isElement(child, "DisplayName")) {
+                store(p_.groupDisplayName, child, converter_.toRecord(raw.get()).text);
+            }
+        }
+    }
+
+    void readConfig(xmlNode* config) noexcept {
+        // A later "Config" replaces the items of an earlier one.
+        releaseItems(p_.configItems, itemCount(p_), kLangSlots);
+        p_.configItemCount = kel::countElements(config, "ConfigItem");
+        p_.configItems = kel::allocRecords<ConfigItem>(p_.configItemCount);
+        if (!p_.configItems) {
+            p_.configItemCount = 0;
+            ok_ = false;
+            return;
+        }
+        ConfigItem* item = p_.configItems;
+        for (xmlNode* node : kel::elements(config, "ConfigItem")) readItem(*item++, node);
+    }
+
+    void readItem(ConfigItem& item, xmlNode* node) noexcept {
+        kel::copyAttr(item.name, node, "name");
+        kel::copyAttr(item.group, node, "group");
+        item.readyOnly = kel::attrInt(node, "readyOnly");
+        item.displayType = findDisplayType(const_cast<char*>(kel::attr(node, "displayType").get()));
+        item.valueType = findValueType(const_cast<char*>(kel::attr(node, "valueType").get()));
+        item.owner = &p_;
+        item.listEntries = kel::allocRecords<ListEntry>(kListCapacity);
+        if (!item.listEntries) {
+            ok_ = false;
+            return;
+        }
+
+        ListText values;
+        for (xmlNode* child : kel::elements(node)) {
+            kel::XmlText raw = kel::content(child);
+            if (raw.empty()) continue;
+            kel::RecordText text = converter_.toRecord(raw.get());
+            if (isElement(child, "Label")) {
+                store(item.label, child, text.text);
+            } else if (isElement(child, "Description")) {
+                store(item.description, child, text.text);
+            } else if (isElement(child, "ListItem")) {
+                storeListLabels(item, child, text);
+            } else if (isElement(child, "ListValue")) {
+                values.assign(text);
+            } else if (isElement(child, "DefaultValue")) {
+                if (item.displayType == kListDisplayType) {
+                    item.defaultInt = decimal(raw.get());
+                } else {
+                    text.copyTo(item.defaultValue);
+                }
+            }
+        }
+
+        item.listEntryCount = values.split([&](int m, const char* piece) {
+            ListEntry& entry = item.listEntries[m];
+            kel::copyField(entry.value, piece, values.enc());
+            entry.owner = &item;
+        });
+        // Labels of entries without a value lie beyond listEntryCount, where
+        // freeProfile does not look.
+        for (int j = item.listEntryCount; j < kListCapacity; ++j) {
+            char*(&labels)[kLangSlots] = item.listEntries[j].label;
+            releaseTexts(labels, kLangSlots);
+            std::memset(labels, 0, sizeof labels);
+        }
+    }
+
+    // The slot of an element's language: 0 without "lang", -1 for a
+    // language that finds no free slot.
+    int slotOf(const xmlNode* n) noexcept {
+        kel::XmlText lang = kel::attr(n, "lang");
+        if (!lang) return 0;
+        int slot = getLangIndex(p_.langCount, p_.langNames, lang.get());
+        if (slot < 0 && p_.langCount < kLangSlots) ok_ = false;  // the name was not copied
+        return slot;
+    }
+
+    // Replaces the text in the element's language slot by a copy of text.
+    void store(char* (&texts)[kLangSlots], const xmlNode* n, const char* text) noexcept {
+        int slot = slotOf(n);
+        if (slot >= 0) replace(texts[slot], text ? text : "");
+    }
+
+    // Piece m of a "ListItem" becomes the label of list entry m.
+    void storeListLabels(ConfigItem& item, const xmlNode* n, kel::RecordText text) noexcept {
+        int slot = slotOf(n);
+        if (slot < 0) return;
+        ListText labels;
+        labels.assign(text);
+        labels.split(
+            [&](int m, const char* piece) { replace(item.listEntries[m].label[slot], piece); });
+    }
+
+    void replace(char*& field, const char* text) noexcept {
+        std::free(field);
+        field = strdup(text);
+        if (!field) ok_ = false;
+    }
+
+    Profile& p_;
+    kel::Converter converter_;
+    bool ok_ = true;
+};
+
+}  // namespace
+
+int32_t praseXmlFile(const char* path, Profile* record) {
+    if (!record) return 1;
+    std::memset(record, 0, sizeof *record);
+    const char* slash = path ? std::strrchr(path, '/') : nullptr;
+    if (slash) kel::copyField(record->fileName, slash + 1);
+
+    kel::ReadDoc doc(path);
+    if (!doc) return 1;
+    if (Reader(*record).read(doc.root())) return doc.finish();
+
+    // An allocation failed: release what was read; the file name stays.
+    freeProfile(record);
+    static_assert(offsetof(Profile, fileName) == 0);
+    std::memset(reinterpret_cast<char*>(record) + offsetof(Profile, name), 0,
+                sizeof *record - offsetof(Profile, name));
+    return 1;
+}
