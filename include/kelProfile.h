@@ -105,16 +105,22 @@ typedef struct Profile {
  * after the twentieth are dropped; labels of list entries beyond the number
  * of values are dropped, so a read record owns nothing that freeProfile
  * does not release. A ConfigItem without "name", "group" or "readyOnly"
- * gets an empty text or 0. */
+ * gets an empty text or 0. A text met again for the same slot replaces the
+ * earlier one, and a later "Config" replaces the items of an earlier one.
+ * An allocation failure releases what was read and returns 1, the record
+ * cleared except fileName. */
 KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
 /* Writes a profile file. Joined list labels or values longer than 1023
- * bytes are cut at the last whole piece that fits. */
+ * bytes are cut at the last whole piece that fits. Record text that does
+ * not convert to UTF-8 is written as an empty element. */
 KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
 /* Writes one profile file from a settings profile and a texts profile
  * matched item by item. Items of the settings profile without a
- * counterpart in the texts profile get no translated labels or
- * descriptions; every null text the merge needs is written as an empty
- * element. */
+ * counterpart in the texts profile get no labels or descriptions, and
+ * their list labels are written as if untranslated. Every null text the
+ * merge needs (display names and descriptions, the translated label of
+ * list entry 0) is written as an empty element or an empty piece. Lists
+ * are cut as by saveXmlFile. */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
 /* Releases everything the record owns (not the record itself). Counts
  * outside their range are taken as 0 (negative) or 10 (languages above
@@ -122,8 +128,10 @@ KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, con
 KELPROFILE_API void freeProfile(Profile* record);
 /* freeProfile on the profile the cell points to, then free(cell). */
 KELPROFILE_API void freePtrProfile(Profile** cell);
-/* Deep copy; every owner pointer of the copy points into the copy. When an
- * allocation fails the target is left cleared. */
+/* Deep copy; every owner pointer of the copy points into the copy, and an
+ * item's list array has room for exactly listEntryCount entries. Counts
+ * are bounded as by freeProfile. When an allocation fails the target is
+ * left cleared. */
 KELPROFILE_API void copyProfile(Profile* target, const Profile* source);
 
 /* ------------------------------------------------------------------------
@@ -515,9 +523,10 @@ KELPROFILE_API const char* findDisplayStr(int code);
 KELPROFILE_API int findValueType(char* text);
 KELPROFILE_API const char* findValueType(int code);
 
-/* Slot of a language name, appending it when new. A name met when the
- * table already holds 10 names is not added; it gets the slot -1, which the
- * reader treats as "drop this text". */
+/* Slot of a language name, appending it when new; a null name gives 0. A
+ * name met when the table already holds 10 names is not added; it gets the
+ * slot -1, which the reader treats as "drop this text" (so does a name
+ * whose copy cannot be allocated). */
 KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 
 /* Follows symbolic links; a status that cannot be taken prints "stat()"
