@@ -1,0 +1,349 @@
+// Conversion profiles: the type tables, reading, the record's lifecycle,
+// writing and the merge.
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kelProfile.h"
+#include "support.h"
+
+namespace {
+
+// A profile that releases what it owns when the test ends.
+struct Record : Profile {
+    Record() { std::memset(static_cast<Profile*>(this), 0, sizeof(Profile)); }
+    ~Record() { freeProfile(this); }
+    int read(const std::string& path) {
+        freeProfile(this);
+        return praseXmlFile(path.c_str(), this);
+    }
+};
+
+// text with every occurrence of each first string replaced by the second.
+std::string edited(std::string text,
+                   const std::vector<std::pair<std::string, std::string>>& edits) {
+    for (const auto& [from, to] : edits) {
+        std::size_t at = text.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
+        for (; at != std::string::npos; at = text.find(from, at + to.size()))
+            text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+void replaceText(char*& field, const char* text) {
+    std::free(field);
+    field = text ? strdup(text) : nullptr;
+}
+
+// Two languages, list items, Chinese texts, exactly as the writer lays it
+// out: reading it and writing the record back gives the same file.
+const std::string kProfile = std::string(kDecl) + R"(<Profiles>
+  <Main>
+    <Name>HD 中文</Name>
+    <DisplayName lang="en">HD video</DisplayName>
+    <DisplayName lang="zh">中文</DisplayName>
+    <Desc lang="en"></Desc>
+    <Format>mp4</Format>
+    <ExtName>m4v</ExtName>
+    <IsSysProfile>1</IsSysProfile>
+    <Type>-2</Type>
+    <Device>3</Device>
+  </Main>
+  <Group>
+    <ID>7</ID>
+    <DisplayName lang="zh">中文</DisplayName>
+  </Group>
+  <Config>
+    <ConfigItem name="中文" group="video" readyOnly="1" displayType="list" valueType="double">
+      <Label lang="en">Size</Label>
+      <Label lang="zh">中文</Label>
+      <Description lang="zh">中文</Description>
+      <ListItem lang="en">small,,large</ListItem>
+      <ListItem lang="zh">小,中,大</ListItem>
+      <ListValue>0.0,720,1080</ListValue>
+      <DefaultValue>2</DefaultValue>
+    </ConfigItem>
+    <ConfigItem name="bitrate" group="" readyOnly="0" displayType="input" valueType="int">
+      <ListValue></ListValue>
+      <DefaultValue>800</DefaultValue>
+    </ConfigItem>
+  </Config>
+</Profiles>
+)";
+
+class ProfileFile : public ::testing::Test {
+protected:
+    std::string write(const std::string& xml, const std::string& name = "sub/p.xml") {
+        writeFile(dir.file(name), xml);
+        return dir.file(name);
+    }
+    std::string saved(const Profile& p) {
+        EXPECT_EQ(saveXmlFile(dir.file("out.xml").c_str(), &p), 0);
+        return readFile(dir.file("out.xml"));
+    }
+    std::string merged(const Profile& settings, const Profile& texts) {
+        EXPECT_EQ(megXmlFile(dir.file("out.xml").c_str(), &settings, &texts), 0);
+        return readFile(dir.file("out.xml"));
+    }
+    TempDir dir;
+    Record record;
+};
+
+TEST(OptionTypes, NamesAndCodesMapBothWays) {
+    struct Case {
+        const char* text;
+        int display, value;
+    } cases[] = {
+        {"list", 20, 0},        {"input", 21, 0}, {"checkbox", 22, 0}, {"chooseFile", 23, 0},
+        {"chooseColor", 24, 0}, {"int", 0, 1},    {"string", 0, 2},    {"double", 0, 3},
+        {"List", 0, 0},         {"", 0, 0}};
+    for (const Case& c : cases) {
+        EXPECT_EQ(findDisplayType(const_cast<char*>(c.text)), c.display) << c.text;
+        EXPECT_EQ(findValueType(const_cast<char*>(c.text)), c.value) << c.text;
+        EXPECT_STREQ(findDisplayStr(c.display), c.display ? c.text : "");
+        EXPECT_STREQ(findValueType(c.value), c.value ? c.text : "");
+    }
+    EXPECT_EQ(findDisplayType(nullptr), 0);
+    EXPECT_EQ(findValueType(static_cast<char*>(nullptr)), 0);
+    for (int code : {0, 19, 25, -1, INT_MIN}) EXPECT_STREQ(findDisplayStr(code), "") << code;
+    for (int code : {0, 4, -1, INT_MIN}) EXPECT_STREQ(findValueType(code), "") << code;
+}
+
+// What writing the record back cannot show: the encoding of each field,
+// and the owner pointers. (WritesWhatItReads pins every other field.)
+TEST_F(ProfileFile, ReadsElementTextAsGbkAndAttributesAsTheyAre) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    EXPECT_STREQ(record.fileName, "p.xml");
+    EXPECT_EQ(record.name, "HD " + std::string(kGbkZhongwen));
+    EXPECT_STREQ(record.langNames[1], "zh");
+    EXPECT_STREQ(record.desc[0], "") << "an empty Desc is an empty text, not null";
+    const ConfigItem& size = record.configItems[0];
+    EXPECT_STREQ(size.name, kUtf8Zhongwen);
+    EXPECT_STREQ(size.description[1], kGbkZhongwen);
+    EXPECT_STREQ(size.listEntries[1].label[1], "\xD6\xD0");
+    EXPECT_EQ(size.listEntries[1].owner, &size);
+    EXPECT_EQ(size.owner, &record);
+}
+
+TEST_F(ProfileFile, LanguageSlotsComeFromTheFirstTagAnywhereInTheDocument) {
+    ASSERT_EQ(record.read(write(R"(<P><Main><DisplayName>untagged</DisplayName></Main>
+<Config><ConfigItem><Label lang="xx"></Label><ListItem lang="de">a,b</ListItem>
+<Label lang="en">L</Label><ListValue>1</ListValue></ConfigItem></Config>
+<Main><DisplayName lang="de">later</DisplayName><Desc lang="DE"/><Desc lang=""/></Main></P>)")),
+              0);
+    ASSERT_EQ(record.langCount, 4) << "the empty Label registers no language";
+    const char* names[] = {"de", "en", "DE", ""};
+    for (int s = 0; s < 4; ++s) EXPECT_STREQ(record.langNames[s], names[s]);
+    EXPECT_STREQ(record.displayName[0], "later");
+    const ConfigItem& item = record.configItems[0];
+    EXPECT_STREQ(item.label[1], "L");
+    EXPECT_STREQ(item.listEntries[0].label[0], "a");
+    EXPECT_EQ(item.listEntries[1].label[0], nullptr) << "no value, so the label is dropped";
+
+    ASSERT_EQ(record.read(write("<P><Main><Desc>d</Desc></Main></P>")), 0);
+    EXPECT_EQ(record.langCount, 1);
+    EXPECT_EQ(record.langNames[0], nullptr);
+    EXPECT_STREQ(record.desc[0], "d");
+}
+
+TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
+    std::string many, first20;
+    for (int i = 0; i < 25; ++i) many += std::to_string(i) + ",";
+    for (int i = 0; i < 20; ++i) first20 += (i ? "|" : "") + std::to_string(i);
+    // The values of each item joined with "|", and their number.
+    std::pair<std::string, std::string> cases[] = {
+        {"a,b,c", "3 a|b|c"}, {"a,b,", "2 a|b"}, {"a,,b", "3 a||b"},     {",a", "2 |a"},
+        {",", "1 "},          {"", "0 "},        {many, "20 " + first20}};
+    std::string xml = "<P><Config>";
+    for (const auto& c : cases)
+        xml += "<ConfigItem><ListValue>" + c.first + "</ListValue></ConfigItem>";
+    xml +=
+        R"(<ConfigItem/><ConfigItem displayType="list"><DefaultValue>3</DefaultValue></ConfigItem>
+<ConfigItem displayType="input"><DefaultValue>3</DefaultValue></ConfigItem></Config></P>)";
+    ASSERT_EQ(record.read(write(xml)), 0);
+    ASSERT_EQ(record.configItemCount, 10);
+    for (int k = 0; k < 8; ++k) {
+        const ConfigItem& item = record.configItems[k];
+        std::string values = std::to_string(item.listEntryCount) + " ";
+        for (int j = 0; j < item.listEntryCount; ++j)
+            values += (j ? "|" : "") + std::string(item.listEntries[j].value);
+        EXPECT_EQ(values, k < 7 ? cases[k].second : "0 ") << "item " << k;
+        EXPECT_EQ(std::string(item.name) + item.group + std::to_string(item.readyOnly), "0");
+    }
+    EXPECT_EQ(record.configItems[8].defaultInt, 3);
+    EXPECT_STREQ(record.configItems[8].defaultValue, "");
+    EXPECT_EQ(record.configItems[9].defaultInt, 0);
+    EXPECT_STREQ(record.configItems[9].defaultValue, "3");
+}
+
+TEST_F(ProfileFile, OverlongAndOverfullInputStaysWithinTheRecord) {
+    std::string xml = "<P><Main><Name>";
+    for (int i = 0; i < 300; ++i) xml += "中";  // 900 bytes of UTF-8, 600 of GBK
+    xml += "</Name>";
+    for (int i = 0; i < 12; ++i) xml += "<Desc lang=\"l" + std::to_string(i) + "\">t</Desc>";
+    xml += "</Main><Config><ConfigItem/></Config><Config><ConfigItem><ListValue>" +
+           std::string(600, 'v') + R"(</ListValue><ListItem lang="l11">dropped,x</ListItem>
+<ListItem>kept,dropped</ListItem></ConfigItem></Config></P>)";
+    ASSERT_EQ(record.read(write(xml)), 0);
+    EXPECT_EQ(std::strlen(record.name), 510u) << "255 whole characters";
+    EXPECT_EQ(record.langCount, 10);
+    EXPECT_STREQ(record.langNames[9], "l9");
+    ASSERT_EQ(record.configItemCount, 1) << "the later Config replaces the earlier";
+    const ConfigItem& item = record.configItems[0];
+    EXPECT_EQ(std::strlen(item.listEntries[0].value), 511u);
+    EXPECT_STREQ(item.listEntries[0].label[0], "kept");
+    EXPECT_EQ(item.listEntries[1].label[0], nullptr);
+}
+
+TEST_F(ProfileFile, AFailedReadLeavesOnlyTheFileName) {
+    static const Profile zero{};
+    for (const char* text : {"", "<P><Main>"}) {  // missing, then not well formed
+        if (*text) write(text, "sub/none.xml");
+        EXPECT_EQ(record.read(dir.file("sub/none.xml")), 1);
+        EXPECT_STREQ(record.fileName, "none.xml");
+        EXPECT_EQ(std::memcmp(record.name, zero.name, sizeof zero - sizeof zero.fileName), 0);
+    }
+    ASSERT_EQ(record.read(write("<P/>")), 0);
+    EXPECT_EQ(record.langCount, 1);
+    fs::path cwd = fs::current_path();
+    fs::current_path(dir.path() / "sub");
+    EXPECT_EQ(record.read("p.xml"), 0);
+    EXPECT_STREQ(record.fileName, "") << "a path without a folder";
+    fs::current_path(cwd);
+}
+
+TEST_F(ProfileFile, CopyIsDeepAndOutlivesItsSource) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    char notOwned[] = "beyond langCount";
+    record.displayName[2] = notOwned;  // neither copied nor released
+    Record copy;
+    copyProfile(&copy, &record);
+    freeProfile(&record);
+    std::memset(static_cast<Profile*>(&record), 0, sizeof(Profile));
+    EXPECT_EQ(copy.displayName[2], nullptr);
+    EXPECT_EQ(copy.desc[0], nullptr) << "empty texts become null";
+    for (int k = 0; k < copy.configItemCount; ++k) {
+        EXPECT_EQ(copy.configItems[k].owner, &copy);
+        for (int j = 0; j < copy.configItems[k].listEntryCount; ++j)
+            EXPECT_EQ(copy.configItems[k].listEntries[j].owner, &copy.configItems[k]);
+    }
+    EXPECT_EQ(saved(copy), edited(kProfile, {{"    <Desc lang=\"en\"></Desc>\n", ""},
+                                             {"small,,large", "small,large"}}));
+}
+
+TEST(ProfileRecord, ReleaseTakesOddCountsSafely) {
+    Record cleared;
+    freeProfile(&cleared);
+    Profile odd{};
+    odd.langCount = 50;
+    odd.langNames[9] = strdup("x");
+    odd.configItemCount = -1;
+    odd.configItems = static_cast<ConfigItem*>(std::calloc(1, sizeof(ConfigItem)));
+    auto** cell = static_cast<Profile**>(std::malloc(sizeof(Profile*)));
+    *cell = &odd;
+    freePtrProfile(cell);
+}
+
+TEST_F(ProfileFile, WritesWhatItReadsAndTheCasesAReadCannotProduce) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    EXPECT_EQ(saved(record), kProfile);
+
+    ConfigItem& size = record.configItems[0];
+    ConfigItem& bitrate = record.configItems[1];
+    replaceText(record.langNames[1], nullptr);
+    replaceText(size.listEntries[1].label[0], nullptr);
+    replaceText(size.listEntries[0].label[1], nullptr);
+    size.displayType = 7;
+    bitrate.valueType = -1;
+    std::strcpy(record.format, kUtf8Zhongwen);
+    std::strcpy(record.extName, kUtf8Zhongwen);
+    std::strcpy(bitrate.defaultValue, kUtf8Zhongwen);
+    bitrate.listEntryCount = 4;
+    for (int j = 0; j < 4; ++j) std::memset(bitrate.listEntries[j].value, 'v', 300);
+    std::string v(300, 'v');
+    EXPECT_EQ(saved(record),
+              edited(kProfile, {{" lang=\"zh\"", ""},
+                                {"small,,large", "small,large"},
+                                {"小,中,大", ",中,大"},
+                                {"displayType=\"list\"", "displayType=\"\""},
+                                {"valueType=\"int\"", "valueType=\"\""},
+                                {"<DefaultValue>2<", "<DefaultValue><"},
+                                {">mp4<", std::string(">") + kUtf8Zhongwen + "<"},
+                                {">m4v<", std::string(">") + kUtf8Zhongwen + "<"},
+                                {">800<", std::string(">") + kUtf8Zhongwen + "<"},
+                                {"<ListValue></", "<ListValue>" + v + "," + v + "," + v + "</"}}));
+}
+
+TEST_F(ProfileFile, WritesOneLanguageUntaggedAndAnEmptyConfig) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    record.langCount = 1;  // slot 1 is neither written nor released
+    int32_t items = std::exchange(record.configItemCount, 0);
+    std::string text = saved(record);
+    record.langCount = 2;
+    record.configItemCount = items;
+    std::string head = kProfile.substr(0, kProfile.find("  <Config>"));
+    EXPECT_EQ(text, edited(head + "  <Config/>\n</Profiles>\n",
+                           {{" lang=\"en\"", ""},
+                            {"    <DisplayName lang=\"zh\">中文</DisplayName>\n", ""}}));
+    EXPECT_EQ(saveXmlFile(dir.file("missing/p.xml").c_str(), &record), 1);
+    EXPECT_EQ(megXmlFile(dir.file("missing/p.xml").c_str(), &record, &record), 1);
+}
+
+// The settings profile of the merge: kProfile whose second item has the
+// values 1 and 0.0 labelled p and q.
+void giveListEntries(ConfigItem& item) {
+    item.listEntryCount = 2;
+    std::strcpy(item.listEntries[0].value, "1");
+    std::strcpy(item.listEntries[1].value, "0.0");
+    replaceText(item.listEntries[0].label[0], "p");
+    replaceText(item.listEntries[1].label[0], "q");
+}
+const std::pair<std::string, std::string> kNameUnconverted = {
+    "HD 中文</Name>", std::string("HD ") + kGbkZhongwen + "</Name>"};
+
+TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    giveListEntries(record.configItems[1]);
+    EXPECT_EQ(merged(record, record),
+              edited(kProfile, {kNameUnconverted,
+                                {"<Desc lang=\"en\"></Desc>\n",
+                                 "<Desc lang=\"en\"></Desc>\n    <Desc lang=\"zh\"></Desc>\n"},
+                                {"小,中,大", "小,,large"},
+                                {"<ListValue></",
+                                 "<ListItem lang=\"en\">p,q</ListItem>\n"
+                                 "      <ListItem lang=\"zh\">p,q</ListItem>\n"
+                                 "      <ListValue>1,0.0</"}}));
+}
+
+TEST_F(ProfileFile, MergeWithFewerItemsAndMissingTextsWritesEmptyOnes) {
+    ASSERT_EQ(record.read(write(kProfile)), 0);
+    giveListEntries(record.configItems[1]);
+    Record read, texts;  // texts: arrays of exactly the size in use
+    ASSERT_EQ(
+        read.read(write(R"(<P><Main><DisplayName lang="en">T</DisplayName><Desc lang="fr">F</Desc>
+</Main><Config><ConfigItem><Label lang="fr">Taille</Label></ConfigItem></Config></P>)")),
+        0);
+    copyProfile(&texts, &read);
+    EXPECT_EQ(
+        merged(record, texts),
+        edited(kProfile,
+               {kNameUnconverted,
+                {"<DisplayName lang=\"zh\">中文</DisplayName>\n    <Desc lang=\"en\"></Desc>\n",
+                 "<DisplayName lang=\"fr\"></DisplayName>\n    <Desc lang=\"en\"></Desc>\n"
+                 "    <Desc lang=\"fr\">F</Desc>\n"},
+                {R"(<Label lang="en">Size</Label>
+      <Label lang="zh">中文</Label>
+      <Description lang="zh">中文</Description>
+      <ListItem lang="en">small,,large</ListItem>
+      <ListItem lang="zh">小,中,大</ListItem>)",
+                 R"(<Label lang="fr">Taille</Label>
+      <ListItem lang="en">,,large</ListItem>
+      <ListItem lang="fr">,,large</ListItem>)"},
+                {"<ListValue></", "<ListItem>p,q</ListItem>\n      <ListValue>1,0.0</"}}));
+}
+
+}  // namespace
