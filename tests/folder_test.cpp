@@ -43,17 +43,29 @@ std::string option(const std::string& profileName) {
            "</optionItem></tempOption>";
 }
 
-// The records of a temporary option folder, released when the test ends.
-struct OptionFolder {
-    RecordArray result{nullptr, -1};
-    explicit OptionFolder(const std::string& folder) {
-        EXPECT_EQ(praseOPtionXMLFolder(folder.c_str(), &result), 0);
+// The records a folder loader read, released when the test ends.
+template <class Record>
+struct Loaded {
+    using Load = int (*)(const char*, RecordArray*);
+    using Release = void (*)(Record*);
+    Loaded(Load load, Release release, const std::string& folder) : release_(release) {
+        EXPECT_EQ(load(folder.c_str(), &result), 0);
     }
-    ~OptionFolder() {
-        for (int i = 0; i < result.count; ++i) std::free(at(i).tempItems);
+    ~Loaded() {
+        for (int i = 0; i < result.count; ++i) release_(&at(i));
         std::free(result.records);
     }
-    TempOption& at(int i) { return static_cast<TempOption*>(result.records)[i]; }
+    Record& at(int i) { return static_cast<Record*>(result.records)[i]; }
+    RecordArray result{nullptr, -1};
+
+private:
+    Release release_;
+};
+
+struct OptionFolder : Loaded<TempOption> {
+    explicit OptionFolder(const std::string& folder)
+        : Loaded(
+              praseOPtionXMLFolder, [](TempOption* r) { std::free(r->tempItems); }, folder) {}
 };
 
 TEST(FolderScan, TakesExactlyTheXmlAndXMLExtensions) {
@@ -256,7 +268,9 @@ TEST(Tool, CheckReportsWhatTheFolderLoadersReadAndFailsWhereTheyWouldEndTheHost)
     };
     std::string out;
     EXPECT_EQ(check(out), 0) << out;
-    EXPECT_NE(out.find("folder loaders read 2 as temporary options"), std::string::npos) << out;
+    EXPECT_NE(out.find("folder loaders read 2 as profiles, 2 as temporary options"),
+              std::string::npos)
+        << out;
 
     fs::remove(dir.file("sub/c.XML"));
     fs::create_symlink(dir.file("gone"), dir.file("sub/dangling"));
@@ -264,6 +278,19 @@ TEST(Tool, CheckReportsWhatTheFolderLoadersReadAndFailsWhereTheyWouldEndTheHost)
     EXPECT_NE(out.find("stat(): No such file"), std::string::npos) << out;
     EXPECT_NE(out.find("FAILED  the library's folder loaders end the process"), std::string::npos)
         << out;
+}
+
+TEST(ProfileFolder, ReadsProfilesWithTheirFileNames) {
+    TempDir dir;
+    writeFile(dir.file("a.xml"), "<Profiles><Main><Name>First</Name></Main></Profiles>");
+    writeFile(dir.file("sub/b.XML"), "<Profiles><Main><Name>Second</Name></Main></Profiles>");
+    writeFile(dir.file("sub/broken.xml"), "<Profiles>");
+    Loaded<Profile> loaded(praseXMLFolder, freeProfile, dir.path());
+    ASSERT_EQ(loaded.result.count, 2);
+    EXPECT_STREQ(loaded.at(0).name, "First");
+    EXPECT_STREQ(loaded.at(0).fileName, "a.xml");
+    EXPECT_STREQ(loaded.at(1).name, "Second");
+    EXPECT_STREQ(loaded.at(1).fileName, "b.XML");
 }
 
 }  // namespace
