@@ -171,9 +171,10 @@ TEST(Tool, CheckReportsEachFileAndFailsWhenOneFails) {
     EXPECT_NE(good.out.find("2 files: 1 ok, 0 failed, 1 not recognised"), std::string::npos)
         << good.out;
 
-    // A value that reads back differently: GBK cannot hold the character.
+    // A value that reads back differently: GBK cannot hold the snowman, and
+    // its UTF-8 bytes kept in the record are no GBK text to write back.
     writeFile(dir.file("lossy.xml"),
-              "<tempOption><optionItem name=\"a\">\xF0\x9F\x98\x80</optionItem></tempOption>");
+              "<tempOption><optionItem name=\"a\">\xE2\x98\x83</optionItem></tempOption>");
     Shell lossy = run(kTool + " check " + dir.path().string());
     EXPECT_EQ(lossy.status, 1) << lossy.out;
     EXPECT_NE(lossy.out.find("FAILED"), std::string::npos) << lossy.out;
