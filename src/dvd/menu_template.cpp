@@ -1,0 +1,86 @@
+// DVD menu templates: the artwork and layout of one disc menu, each layout
+// list present twice, plain and Broadband. Only the root's direct children
+// are read; the root's own name does not matter.
+#include <cstring>
+
+#include "kelProfile.h"
+#include "xml/xml.h"
+
+namespace {
+
+// A list element of the template and where its items go. Both variants of a
+// list share one count: whichever of them comes last in the file sets it.
+struct List {
+    const char* element;
+    const char* item;
+    const char* imageAttr;  // item attribute holding the image, if any
+    const char* maskAttr;   // item attribute holding the mask, if any
+    DVDMenuItem* slots;
+    int capacity;
+    int32_t* count;  // null for the navigation buttons, which have no count
+};
+
+// Reads the list's items into its slots from the first; items after the
+// capacity are ignored. Each item read replaces its slot whole, so a list
+// met twice never mixes two items in one slot.
+void readList(xmlNode* element, const List& list) noexcept {
+    int n = 0;
+    for (xmlNode* node : kel::elements(element, list.item)) {
+        if (n == list.capacity) break;
+        DVDMenuItem& slot = list.slots[n++];
+        std::memset(&slot, 0, sizeof slot);
+        if (list.imageAttr) kel::copyAttr(slot.imgName, node, list.imageAttr);
+        if (list.maskAttr) kel::copyAttr(slot.imgMaskPath, node, list.maskAttr);
+        slot.x = kel::attrInt(node, "x");
+        slot.y = kel::attrInt(node, "y");
+        slot.w = kel::attrInt(node, "w");
+        slot.h = kel::attrInt(node, "h");
+    }
+    if (list.count) *list.count = n;
+}
+
+}  // namespace
+
+int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record) {
+    if (!record) return 1;
+    std::memset(record, 0, sizeof *record);
+    kel::ReadDoc doc(path);
+    if (!doc) return 1;
+
+    DVDMenu& m = *record;
+    const struct {
+        const char* element;
+        char* field;
+        std::size_t width;
+    } texts[] = {
+        {"thumbnailName", m.thumbnailName, sizeof m.thumbnailName},
+        {"thumbnailNameBroadband", m.thumbnailNameBroadband, sizeof m.thumbnailNameBroadband},
+        {"bgImageName", m.bgImageName, sizeof m.bgImageName},
+        {"bgImageNameBroadband", m.bgImageNameBroadband, sizeof m.bgImageNameBroadband},
+        {"maskColor", m.maskColor, sizeof m.maskColor},
+    };
+    const List lists[] = {
+        {"frames", "frameRc", "frameImgName", "imgMaskPath", m.frames, 12, &m.frameCount},
+        {"framesBroadband", "frameRc", "frameImgName", "imgMaskPath", m.framesBroadband, 12,
+         &m.frameCount},
+        {"texts", "textRc", nullptr, nullptr, m.texts, 12, &m.textCount},
+        {"textsBroadband", "textRc", nullptr, nullptr, m.textsBroadband, 12, &m.textCount},
+        {"navbtnsInfo", "btnInfo", "btnImageName", nullptr, m.navbtnsInfo, 3, nullptr},
+        {"navbtnsInfoBroadband", "btnInfo", "btnImageName", nullptr, m.navbtnsInfoBroadband, 3,
+         nullptr},
+    };
+
+    for (xmlNode* child : kel::elements(doc.root())) {
+        for (const auto& text : texts)
+            if (kel::isElement(child, text.element))
+                kel::copyField(text.field, text.width, kel::content(child).get(), kel::Enc::Utf8);
+        // Only the plain frame list carries the frame image and mask.
+        if (kel::isElement(child, "frames")) {
+            kel::copyAttr(m.frameImgName, child, "frameImgName");
+            kel::copyAttr(m.imgMaskPath, child, "imgMaskPath");
+        }
+        for (const List& list : lists)
+            if (kel::isElement(child, list.element)) readList(child, list);
+    }
+    return doc.finish();
+}
