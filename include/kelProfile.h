@@ -402,12 +402,27 @@ typedef struct DVDDisc {
     char menuFolder[1024]; /* folder holding the menu page videos */
 } DVDDisc;
 
+/* Reads a menu template. Both variants share frameCount and textCount: the
+ * last frame or text list in the file sets them. A list met again is read
+ * into its slots from the first; each item read replaces its slot whole,
+ * and slots past the new count keep what they held. */
 KELPROFILE_API int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record);
 /* Writes the spumux control file of one menu page; a btnCount above 15 is
- * taken as 15. */
+ * taken as 15, one of 0 or below writes no buttons. The corners x + w and
+ * y + h are written whole, even beyond the 32-bit range. Text fields are
+ * read no further than their width, terminated or not. */
 KELPROFILE_API int32_t saveDVDMenuXml(const char* path, const DVDSubpicture* record);
 /* Writes the dvdauthor control file of a disc. A titleCount above 12 is
- * taken as 12. */
+ * taken as 12, a negative one as 0; null pages or a negative pageCount
+ * give a disc without pages. Text fields, menuFolder among them, are read
+ * no further than their width.
+ * Pages without titles keep their button numbering. The disc's last title
+ * is the last one of the last page that has titles, and it ends with
+ * "call vmgm menu 1;", so empty pages at the end never make it call a
+ * title set that does not exist. A page's play button starts the page's
+ * first title; a page after the disc's last title has nothing of its own
+ * to play, so its play button starts title 1, the beginning of the disc,
+ * rather than naming a title past the end. */
 KELPROFILE_API int32_t saveDVDXml(const char* path, const DVDDisc* record);
 
 /* ------------------------------------------------------------------------

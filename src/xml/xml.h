@@ -215,6 +215,13 @@ xmlNode* addInt(xmlNode* parent, const char* name, int32_t value) noexcept;
 // Attributes; a null value is written as "".
 void setAttr(xmlNode* n, const char* name, const char* value) noexcept;
 void setAttrInt(xmlNode* n, const char* name, int32_t value) noexcept;
+// A fixed text field of a record as an attribute, read no further than the
+// field's width even when the caller left it without a terminator.
+void setAttrField(xmlNode* n, const char* name, const char* field, std::size_t width) noexcept;
+template <std::size_t N>
+void setAttrField(xmlNode* n, const char* name, const char (&field)[N]) noexcept {
+    setAttrField(n, name, field, N);
+}
 
 // Decimal text of a number, as the files hold it.
 struct Decimal {
