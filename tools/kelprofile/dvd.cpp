@@ -1,0 +1,225 @@
+// DVD menu templates in kelprofile, and kelprofile dvd: the spumux and
+// dvdauthor control files of a disc, from a template and title videos.
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+
+#include "kelProfile.h"
+#include "tool.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The root's children that make a file a menu template; the root's own name
+// is free.
+const char* const kTemplateChildren[] = {"thumbnailName",       "thumbnailNameBroadband",
+                                         "bgImageName",         "bgImageNameBroadband",
+                                         "maskColor",           "frames",
+                                         "framesBroadband",     "texts",
+                                         "textsBroadband",      "navbtnsInfo",
+                                         "navbtnsInfoBroadband"};
+
+bool recognise(const xmlNode* root) {
+    for (const xmlNode* child = root->children; child; child = child->next) {
+        if (child->type != XML_ELEMENT_NODE) continue;
+        for (const char* name : kTemplateChildren)
+            if (std::strcmp(reinterpret_cast<const char*>(child->name), name) == 0) return true;
+    }
+    return false;
+}
+
+bool isEmpty(const DVDMenuItem& item) {
+    return !item.imgName[0] && !item.imgMaskPath[0] && !item.x && !item.y && !item.w && !item.h;
+}
+
+void item(tool::Printer& p, const char* label, int index, const DVDMenuItem& it) {
+    p.open(label, index)
+        .text("imgName", it.imgName)
+        .text("imgMaskPath", it.imgMaskPath)
+        .number("x", it.x)
+        .number("y", it.y)
+        .number("w", it.w)
+        .number("h", it.h)
+        .close();
+}
+
+// A list's slots that hold something; a slot beyond the count may still
+// hold an item, since the two variants share one count.
+template <std::size_t N>
+void items(tool::Printer& p, const char* label, const DVDMenuItem (&list)[N]) {
+    for (std::size_t i = 0; i < N; ++i)
+        if (!isEmpty(list[i])) item(p, label, static_cast<int>(i), list[i]);
+}
+
+void buttons(tool::Printer& p, const char* label, const DVDMenuItem (&list)[3]) {
+    for (int i = 0; i < 3; ++i) item(p, label, i, list[i]);
+}
+
+bool show(const char* path, std::ostream& out) {
+    DVDMenu m;
+    if (praseDVDMenuXmlFile(path, &m) != 0) return false;
+    tool::Printer p(out);
+    p.text("thumbnailName", m.thumbnailName)
+        .text("thumbnailNameBroadband", m.thumbnailNameBroadband)
+        .text("bgImageName", m.bgImageName)
+        .text("bgImageNameBroadband", m.bgImageNameBroadband)
+        .text("frameImgName", m.frameImgName)
+        .text("imgMaskPath", m.imgMaskPath)
+        .text("maskColor", m.maskColor)
+        .number("frameCount", m.frameCount)
+        .number("textCount", m.textCount);
+    items(p, "frame", m.frames);
+    items(p, "text", m.texts);
+    buttons(p, "navbtn", m.navbtnsInfo);
+    items(p, "frameBroadband", m.framesBroadband);
+    items(p, "textBroadband", m.textsBroadband);
+    buttons(p, "navbtnBroadband", m.navbtnsInfoBroadband);
+    return true;
+}
+
+tool::RegisterFamily family({"DVD menu template", recognise, show, nullptr});
+
+// ---- kelprofile dvd -------------------------------------------------------
+
+struct Options {
+    bool broadband = false;
+    std::string format = "NTSC";
+    std::string aspect = "4:3";
+    std::vector<std::string> args;  // TEMPLATE OUTDIR TITLE...
+};
+
+// Copies text into a record field; false when it does not fit whole.
+template <std::size_t N>
+bool fill(char (&field)[N], const std::string& text) {
+    if (text.size() >= N) {
+        tool::error(text + ": longer than the " + std::to_string(N - 1) +
+                    " bytes the record holds");
+        return false;
+    }
+    std::memcpy(field, text.c_str(), text.size() + 1);
+    return true;
+}
+
+// "DIR/menu_01_NN" and a suffix: the files of one menu page. The menu
+// video's name is the one the dvdauthor file refers to.
+std::string pageFile(const fs::path& dir, int page, const char* suffix) {
+    char name[64];
+    std::snprintf(name, sizeof name, "menu_01_%02d%s", page, suffix);
+    return (dir / name).string();
+}
+
+// The overlay of one page: its title buttons on the template's frames, then
+// previous, next and play on its navigation buttons, in the order of the
+// page's buttons in the dvdauthor file.
+bool writeOverlay(const fs::path& dir, int page, int pages, int titles, const DVDMenuItem* frames,
+                  const DVDMenuItem* navigation, std::string& written) {
+    DVDSubpicture sub{};
+    if (!fill(sub.image, pageFile(dir, page, "-image.png")) ||
+        !fill(sub.highlight, pageFile(dir, page, "-highlight.png")) ||
+        !fill(sub.select, pageFile(dir, page, "-select.png")))
+        return false;
+    for (int i = 0; i < titles; ++i) sub.buttons[sub.btnCount++] = frames[i];
+    if (page > 1) sub.buttons[sub.btnCount++] = navigation[0];
+    if (page < pages) sub.buttons[sub.btnCount++] = navigation[1];
+    sub.buttons[sub.btnCount++] = navigation[2];
+    written = pageFile(dir, page, ".xml");
+    if (saveDVDMenuXml(written.c_str(), &sub) != 0) {
+        tool::error(written + ": cannot write it");
+        return false;
+    }
+    return true;
+}
+
+bool parse(const std::vector<std::string>& args, Options& o) {
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--broadband") {
+            o.broadband = true;
+        } else if ((a == "--format" || a == "--aspect") && i + 1 < args.size()) {
+            (a == "--format" ? o.format : o.aspect) = args[++i];
+        } else if (a.rfind("--", 0) == 0) {
+            tool::error("dvd: unknown option or missing value: " + a);
+            return false;
+        } else {
+            o.args.push_back(a);
+        }
+    }
+    if (o.args.size() < 3) {
+        tool::error("dvd needs TEMPLATE OUTDIR and at least one TITLE.mpg");
+        return false;
+    }
+    return true;
+}
+
+int dvd(const std::vector<std::string>& args) {
+    Options o;
+    if (!parse(args, o)) return tool::kUsage;
+    DVDMenu menu;
+    if (praseDVDMenuXmlFile(o.args[0].c_str(), &menu) != 0) {
+        tool::error(o.args[0] + ": the library cannot read it");
+        return tool::kFailed;
+    }
+    // A page offers as many titles as the template has frames, at most 12.
+    int perPage = menu.frameCount;
+    if (perPage <= 0) {
+        tool::error(o.args[0] + ": the template has no frames for title buttons");
+        return tool::kFailed;
+    }
+    const DVDMenuItem* frames = o.broadband ? menu.framesBroadband : menu.frames;
+    const DVDMenuItem* navigation = o.broadband ? menu.navbtnsInfoBroadband : menu.navbtnsInfo;
+
+    std::error_code ec;
+    fs::path dir = fs::absolute(o.args[1], ec);
+    if (!ec) fs::create_directories(dir, ec);
+    if (ec) {
+        tool::error(o.args[1] + ": cannot make the folder");
+        return tool::kFailed;
+    }
+    int titles = static_cast<int>(o.args.size()) - 2;
+    int pageCount = (titles + perPage - 1) / perPage;
+    std::vector<DVDMenuPage> pages(static_cast<std::size_t>(pageCount), DVDMenuPage{});
+    DVDDisc disc{pages.data(), pageCount, 0, {}};
+    if (!fill(disc.menuFolder, dir.string())) return tool::kFailed;
+
+    for (int t = 0; t < titles; ++t) {
+        DVDMenuPage& page = pages[static_cast<std::size_t>(t / perPage)];
+        DVDTitle& title = page.titles[page.titleCount++];
+        if (!fill(title.videoFormat, o.format) || !fill(title.aspect, o.aspect) ||
+            !fill(title.audioLang, "en") || !fill(title.audioFormat, "ac3") ||
+            !fill(title.vobFile, fs::absolute(o.args[2 + t], ec).string()))
+            return tool::kFailed;
+    }
+    for (int m = 1, first = 1; m <= pageCount; ++m) {
+        std::string written;
+        int onPage = pages[static_cast<std::size_t>(m - 1)].titleCount;
+        if (!writeOverlay(dir, m, pageCount, onPage, frames, navigation, written))
+            return tool::kFailed;
+        std::cout << "wrote " << written << ": spumux file of menu page " << m << " (titles "
+                  << first << " to " << first + onPage - 1 << ")\n";
+        first += onPage;
+    }
+    std::string control = (dir / "dvdauthor.xml").string();
+    if (saveDVDXml(control.c_str(), &disc) != 0) {
+        tool::error(control + ": cannot write it");
+        return tool::kFailed;
+    }
+    std::cout << "wrote " << control << ": dvdauthor file of the disc (" << titles << " titles on "
+              << pageCount << " menu pages)\n"
+              << "next, for each page NN: draw its overlay images in " << dir.string()
+              << "\n  (menu_01_NN-image.png, -highlight.png, -select.png; at most 4 colours,"
+                 " 000000 transparent)\n  and run: spumux "
+              << (dir / "menu_01_NN.xml").string() << " < BACKGROUND.mpg > "
+              << (dir / "menu_01_NN.mpg").string() << "\nthen: VIDEO_FORMAT=" << o.format
+              << " dvdauthor -o DISC -x " << control << '\n';
+    return tool::kOk;
+}
+
+tool::RegisterCommand dvdCommand(
+    {"dvd", "[--broadband] [--format NTSC|PAL] [--aspect 4:3|16:9] TEMPLATE OUTDIR TITLE.mpg...",
+     "writes into OUTDIR the spumux file of each menu page (as many titles per page as the\n"
+     "      template has frames, at most 12) and the dvdauthor file of the disc",
+     dvd});
+
+}  // namespace
