@@ -121,6 +121,9 @@ TEST(FolderLoaders, ReadEveryFileInOrderLeavingNoGapForOneThatFails) {
     ASSERT_EQ(profiles.result.count, 2);
     EXPECT_STREQ(profiles[0].name, "first");
     EXPECT_STREQ(profiles[1].fileName, "c.XML");
+    Loaded<DVDMenu> menus(praseDVDXMLFolder, dir.path(), [](DVDMenu*) {});
+    ASSERT_EQ(menus.result.count, 2);
+    EXPECT_STREQ(menus[1].thumbnailName, "third");
     auto freeItems = [](TempOption* t) { std::free(t->tempItems); };
     Loaded<TempOption> options(praseOPtionXMLFolder, dir.path(), freeItems);
     ASSERT_EQ(options.result.count, 2);
@@ -137,8 +140,9 @@ TEST(Tool, CheckReportsWhatTheFolderLoadersReadOrThatTheyWouldEndTheHost) {
     std::string out = dir.file("out"),
                 command = std::string(KELPROFILE_TOOL) + " check " + dir.file("sub") + " >" + out;
     EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
-    EXPECT_NE(readFile(out).find("folder loaders read 1 as profiles, 1 as temporary"),
-              std::string::npos)
+    EXPECT_NE(
+        readFile(out).find("folder loaders read 1 as profiles, 1 as DVD menus, 1 as temporary"),
+        std::string::npos)
         << readFile(out);
     fs::create_symlink(dir.file("gone"), dir.file("sub/dangling"));
     EXPECT_EQ(WEXITSTATUS(std::system((command + " 2>&1").c_str())), 1);

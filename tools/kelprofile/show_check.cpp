@@ -85,6 +85,7 @@ int loaded(int (*load)(const char*, RecordArray*), void (*release)(Record*), con
 
 struct LoaderCounts {
     int profiles;
+    int menus;
     int options;
 };
 
@@ -100,6 +101,8 @@ bool runLoaders(const char* folder, LoaderCounts& counts) {
         close(channel[0]);
         LoaderCounts c{
             loaded<Profile>(praseXMLFolder, freeProfile, folder),
+            loaded<DVDMenu>(
+                praseDVDXMLFolder, [](DVDMenu*) {}, folder),
             loaded<TempOption>(
                 praseOPtionXMLFolder, [](TempOption* r) { std::free(r->tempItems); }, folder)};
         bool sent = write(channel[1], &c, sizeof c) == static_cast<ssize_t>(sizeof c);
@@ -171,8 +174,8 @@ int check(const std::vector<std::string>& args) {
                      "(an entry below it has no status; see the stat() message)\n";
         return tool::kFailed;
     }
-    std::cout << "folder loaders read " << counts.profiles << " as profiles, " << counts.options
-              << " as temporary options";
+    std::cout << "folder loaders read " << counts.profiles << " as profiles, " << counts.menus
+              << " as DVD menus, " << counts.options << " as temporary options";
     if (files.size() > 512) std::cout << " (they take at most 512 files)";
     std::cout << '\n';
     return failed ? tool::kFailed : tool::kOk;
