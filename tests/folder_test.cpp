@@ -85,9 +85,6 @@ TEST(FolderScanDeathTest, AnEntryWithoutStatusEndsTheProcess) {
     fs::create_directories(dir.file("sub"));
     fs::create_symlink(dir.file("gone"), dir.file("sub/dangling.xml"));
     EXPECT_EXIT(scan(dir.path()), ::testing::ExitedWithCode(1), "stat\\(\\): No such file");
-    RecordArray result;
-    EXPECT_EXIT(praseOPtionXMLFolder(dir.path().c_str(), &result), ::testing::ExitedWithCode(1),
-                "stat\\(\\)");
 }
 
 // Every loader reads any root element; this file serves all three.
@@ -128,10 +125,7 @@ TEST(FolderLoaders, ReadEveryFileInOrderLeavingNoGapForOneThatFails) {
     Loaded<TempOption> options(praseOPtionXMLFolder, dir.path(), freeItems);
     ASSERT_EQ(options.result.count, 2);
     EXPECT_STREQ(options[1].profileName, "third");
-    for (const char* notAFolder : {"sub/sub/c.XML", "missing"})
-        EXPECT_EQ(
-            Loaded<TempOption>(praseOPtionXMLFolder, dir.file(notAFolder), freeItems).result.count,
-            0);
+    EXPECT_EQ(Loaded<TempOption>(praseOPtionXMLFolder, dir.file("no"), freeItems).result.count, 0);
 }
 
 TEST(Tool, CheckReportsWhatTheFolderLoadersReadOrThatTheyWouldEndTheHost) {
