@@ -9,9 +9,6 @@ namespace kel {
 
 namespace {
 void discard(void*, const char*, ...) {}
-
-char kGbk[] = "gbk";
-char kUtf8[] = "UTF-8";
 }  // namespace
 
 QuietErrors::QuietErrors() noexcept : oldFunc_(xmlGenericError), oldCtx_(xmlGenericErrorContext) {
@@ -100,14 +97,12 @@ RecordText Converter::toRecord(const char* utf8) noexcept {
 
 const char* Converter::toRecordOrNull(const char* utf8) noexcept {
     if (!utf8) return nullptr;
-    std::memset(buf_, 0, kSize);
-    return covert(kGbk, kUtf8, utf8, std::strlen(utf8), buf_, kSize) == 0 ? buf_ : nullptr;
+    return toGbk_.run(utf8, std::strlen(utf8), buf_, kSize) == 0 ? buf_ : nullptr;
 }
 
 const char* Converter::toFile(const char* gbk) noexcept {
-    std::memset(buf_, 0, kSize);
-    if (!gbk) return buf_;
-    return covert(kUtf8, kGbk, gbk, std::strlen(gbk), buf_, kSize) == 0 ? buf_ : "";
+    if (!gbk) return "";
+    return toUtf8_.run(gbk, std::strlen(gbk), buf_, kSize) == 0 ? buf_ : "";
 }
 
 WriteDoc::WriteDoc(const char* rootName) noexcept : doc_(xmlNewDoc(BAD_CAST "1.0")) {

@@ -16,6 +16,8 @@
 #include <cstring>
 #include <memory>
 
+#include "foundation/encoding.h"
+
 namespace kel {
 
 // ---- ownership -------------------------------------------------------------
@@ -174,7 +176,8 @@ struct RecordText {
     char* dup() const noexcept { return dupText(text); }
 };
 
-// The one 1024-byte conversion buffer of a read or a write.
+// The one 1024-byte conversion buffer of a read or a write, converting as
+// covert does.
 class Converter {
 public:
     static constexpr std::size_t kSize = 1024;
@@ -188,6 +191,8 @@ public:
 
 private:
     char buf_[kSize];
+    Conversion toGbk_{"gbk", "UTF-8"};
+    Conversion toUtf8_{"UTF-8", "gbk"};
 };
 
 // ---- writing ---------------------------------------------------------------
