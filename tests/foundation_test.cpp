@@ -45,15 +45,8 @@ TEST(Covert, FailsOnBadInputUnknownCodeSetsAndResultsThatDoNotFit) {
     EXPECT_EQ(covert(kGbk, kUtf8, "abcdefg", 7, out, sizeof out), 0);
     EXPECT_EQ(covert(kGbk, kUtf8, "abcdefgh", 8, out, sizeof out), -1);
 
-    std::string big(1025, 'a');
-    char large[1024];
-    EXPECT_EQ(covert(kGbk, kUtf8, big.c_str(), big.size(), large, sizeof large), -1);
-}
-
-TEST(Covert, IrreversibleConversionCountsAsFailure) {
-    // Transliteration reports the characters it replaced.
+    // Transliteration converts, but reports the character it replaced.
     char translit[] = "ASCII//TRANSLIT";
-    char out[16];
     EXPECT_EQ(covert(translit, kUtf8, "\xC3\xA9", 2, out, sizeof out), -1);
 }
 

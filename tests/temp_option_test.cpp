@@ -80,9 +80,7 @@ TEST_F(TempOptionFile, UnreadableFilesGiveOneAndAClearedRecord) {
     }
     EXPECT_EQ(record.read(dir.file("missing.xml")), 1);
     EXPECT_TRUE(isCleared(record));
-}
-
-TEST_F(TempOptionFile, EmptyRootReadsAsNoItems) {
+    // A root of any name without items reads, as no items.
     ASSERT_EQ(record.read(write("<anyRoot/>")), 0);
     EXPECT_EQ(record.tempItemCount, 0);
     EXPECT_STREQ(record.profileName, "");
