@@ -174,8 +174,11 @@ int check(const std::vector<std::string>& args) {
                      "(an entry below it has no status; see the stat() message)\n";
         return tool::kFailed;
     }
-    std::cout << "folder loaders read " << counts.profiles << " as profiles, " << counts.menus
-              << " as DVD menus, " << counts.options << " as temporary options";
+    // The readers do not look at the root's name, so each loader takes every
+    // file that parses; say so, lest the counts read as a classification.
+    std::cout << "folder loaders (any well-formed file counts, whatever its root): praseXMLFolder "
+              << counts.profiles << ", praseDVDXMLFolder " << counts.menus
+              << ", praseOPtionXMLFolder " << counts.options;
     if (files.size() > 512) std::cout << " (they take at most 512 files)";
     std::cout << '\n';
     return failed ? tool::kFailed : tool::kOk;
