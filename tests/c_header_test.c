@@ -11,6 +11,8 @@ int main(void) {
     DVDSubpicture overlay;
     memset(&profile, 0, sizeof profile);
     memset(&overlay, 0, sizeof overlay);
+    freeProfile(&profile);
+    if (saveDVDMenuXml("/nonexistent/folder/menu.xml", &overlay) != 1) return 1;
     if (praseOptionXmlFile("/nonexistent/kelprofile.xml", &options) != 1) return 1;
     if (options.tempItems != NULL || options.tempItemCount != 0 || options.profileName[0] != 0)
         return 1;
