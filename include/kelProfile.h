@@ -20,6 +20,8 @@
  *    touches the next field.
  *  - Items beyond a fixed capacity (10 languages, 20 list entries, 120
  *    add-ons, 12 frames or titles, 512 files in a folder) are ignored.
+ *  - Writers read a record's fixed text fields no further than their width,
+ *    whether or not the host left a terminator in them.
  *  - libxml2's own error messages are kept quiet during every call: the
  *    result code is the only report.
  */

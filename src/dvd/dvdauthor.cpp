@@ -36,13 +36,13 @@ void addTitleset(xmlNode* root, const DVDTitle& title, const char* post) noexcep
     kel::addText(kel::addElement(kel::addElement(set, "menus"), "pgc"), "pre", "jump title 1;");
     xmlNode* titles = kel::addElement(set, "titles");
     xmlNode* video = kel::addElement(titles, "video");
-    kel::setAttrField(video, "format", title.videoFormat);
-    kel::setAttrField(video, "aspect", title.aspect);
+    kel::setAttr(video, "format", kel::field(title.videoFormat).text);
+    kel::setAttr(video, "aspect", kel::field(title.aspect).text);
     xmlNode* audio = kel::addElement(titles, "audio");
-    kel::setAttrField(audio, "lang", title.audioLang);
-    kel::setAttrField(audio, "format", title.audioFormat);
+    kel::setAttr(audio, "lang", kel::field(title.audioLang).text);
+    kel::setAttr(audio, "format", kel::field(title.audioFormat).text);
     xmlNode* pgc = kel::addElement(titles, "pgc");
-    kel::setAttrField(kel::addElement(pgc, "vob"), "file", title.vobFile);
+    kel::setAttr(kel::addElement(pgc, "vob"), "file", kel::field(title.vobFile).text);
     kel::addText(pgc, "post", post);
 }
 

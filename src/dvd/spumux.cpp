@@ -25,9 +25,9 @@ int32_t saveDVDMenuXml(const char* path, const DVDSubpicture* record) {
     kel::WriteDoc doc("subpictures");
     xmlNode* spu = kel::addElement(kel::addElement(doc.root(), "stream"), "spu");
     kel::setAttr(spu, "start", "00:00:00:00");
-    kel::setAttrField(spu, "highlight", record->highlight);
-    kel::setAttrField(spu, "select", record->select);
-    kel::setAttrField(spu, "image", record->image);
+    kel::setAttr(spu, "highlight", kel::field(record->highlight).text);
+    kel::setAttr(spu, "select", kel::field(record->select).text);
+    kel::setAttr(spu, "image", kel::field(record->image).text);
     kel::setAttr(spu, "transparent", "000000");
     kel::setAttr(spu, "force", "YES");
 

@@ -40,8 +40,9 @@ int32_t saveOptionXmlFile(const char* path, const TempOption* record) {
     kel::Converter converter;
     for (int32_t i = 0; i < record->tempItemCount; ++i) {
         const TempOptionItem& item = record->tempItems[i];
-        xmlNode* node = kel::addText(doc.root(), kItem, converter.toFile(item.value));
-        kel::setAttr(node, "name", item.name);
+        xmlNode* node =
+            kel::addText(doc.root(), kItem, converter.toFile(kel::field(item.value).text));
+        kel::setAttr(node, "name", kel::field(item.name).text);
     }
     return doc.save(path);
 }

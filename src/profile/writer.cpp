@@ -39,8 +39,8 @@ void Writer::addPerLanguage(xmlNode* parent, const char* name, char* const (&tex
 }
 
 void Writer::addSettings(xmlNode* main, const Profile& p) noexcept {
-    addText(main, "Format", p.format);
-    addText(main, "ExtName", p.extName);
+    addText(main, "Format", field(p.format).text);
+    addText(main, "ExtName", field(p.extName).text);
     addInt(main, "IsSysProfile", p.isSysProfile);
     addInt(main, "Type", p.type);
     addInt(main, "Device", p.device);
@@ -54,8 +54,8 @@ void Writer::addGroup(const Profile& p) noexcept {
 
 xmlNode* Writer::addConfigItem(xmlNode* config, const ConfigItem& item) noexcept {
     xmlNode* node = addElement(config, "ConfigItem");
-    setAttr(node, "name", item.name);
-    setAttr(node, "group", item.group);
+    setAttr(node, "name", field(item.name).text);
+    setAttr(node, "group", field(item.group).text);
     setAttrInt(node, "readyOnly", item.readyOnly);
     setAttr(node, "displayType", findDisplayStr(item.displayType));
     setAttr(node, "valueType", findValueType(item.valueType));
@@ -75,12 +75,12 @@ bool Writer::addListLabels(xmlNode* node, const char* lang) noexcept {
 
 void Writer::addValues(xmlNode* node, const ConfigItem& item) noexcept {
     joined.clear();
-    for (int j = 0; j < entryCount(item); ++j) joined.add(j, item.listEntries[j].value);
+    for (int j = 0; j < entryCount(item); ++j) joined.add(j, field(item.listEntries[j].value).text);
     add(node, "ListValue", joined.text());
     if (item.displayType == kListDisplayType) {
         addInt(node, "DefaultValue", item.defaultInt);
     } else {
-        addText(node, "DefaultValue", item.defaultValue);
+        addText(node, "DefaultValue", field(item.defaultValue).text);
     }
 }
 
@@ -95,7 +95,7 @@ int32_t saveXmlFile(const char* path, const Profile* record) {
     Writer w;
 
     xmlNode* main = kel::addElement(w.root(), "Main");
-    w.add(main, "Name", p.name);
+    w.add(main, "Name", kel::field(p.name).text);
     w.addPerLanguage(main, "DisplayName", p.displayName, langs);
     w.addPerLanguage(main, "Desc", p.desc, langs);
     w.addSettings(main, p);

@@ -137,14 +137,6 @@ void setAttrInt(xmlNode* n, const char* name, int32_t value) noexcept {
     setAttr(n, name, Decimal(value).text);
 }
 
-void setAttrField(xmlNode* n, const char* name, const char* field, std::size_t width) noexcept {
-    if (!n) return;
-    std::size_t len = field ? strnlen(field, width) : 0;
-    xmlChar* value = xmlStrndup(BAD_CAST(field ? field : ""), static_cast<int>(len));
-    if (value) xmlNewProp(n, BAD_CAST name, value);
-    xmlFree(value);
-}
-
 Decimal::Decimal(int32_t v) noexcept {
     itoa(v, text, 10);
 }

@@ -220,12 +220,22 @@ xmlNode* addInt(xmlNode* parent, const char* name, int32_t value) noexcept;
 // Attributes; a null value is written as "".
 void setAttr(xmlNode* n, const char* name, const char* value) noexcept;
 void setAttrInt(xmlNode* n, const char* name, int32_t value) noexcept;
-// A fixed text field of a record as an attribute, read no further than the
-// field's width even when the caller left it without a terminator.
-void setAttrField(xmlNode* n, const char* name, const char* field, std::size_t width) noexcept;
+
+// A record's fixed text field as a terminated string, read no further than
+// the field's width: writers take record fields through it, so a field the
+// host left without a terminator is never read past its end.
 template <std::size_t N>
-void setAttrField(xmlNode* n, const char* name, const char (&field)[N]) noexcept {
-    setAttrField(n, name, field, N);
+struct FieldText {
+    explicit FieldText(const char (&field)[N]) noexcept {
+        std::size_t n = strnlen(field, N);
+        std::memcpy(text, field, n);
+        text[n] = 0;
+    }
+    char text[N + 1];
+};
+template <std::size_t N>
+FieldText<N> field(const char (&f)[N]) noexcept {
+    return FieldText<N>(f);
 }
 
 // Decimal text of a number, as the files hold it.
