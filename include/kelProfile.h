@@ -37,8 +37,11 @@
 #endif
 
 #ifdef __cplusplus
-#include <dirent.h>
-#include <libxml/tree.h>
+/* Declared, not defined: the header needs only their names, so a user of
+ * the library needs neither libxml2's headers nor <dirent.h> to include it. */
+struct _xmlNode;
+typedef struct _xmlNode xmlNode;
+struct dirent;
 extern "C" {
 #endif
 

@@ -9,8 +9,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/xml.h"
 #include "kelProfile.h"
-#include "xml/xml.h"
 
 namespace {
 

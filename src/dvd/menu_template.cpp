@@ -3,18 +3,31 @@
 // are read; the root's own name does not matter.
 #include <cstring>
 
+#include "core/xml.h"
 #include "kelProfile.h"
-#include "xml/xml.h"
 
 namespace {
+
+// The attributes of the three kinds of list item: a frame with its image
+// and mask, a text rectangle, a navigation button with its image.
+const kel::Binding kFrame[] = {KEL_TEXT(DVDMenuItem, imgName, "frameImgName"),
+                               KEL_TEXT(DVDMenuItem, imgMaskPath, "imgMaskPath"),
+                               KEL_INT(DVDMenuItem, x, "x"),
+                               KEL_INT(DVDMenuItem, y, "y"),
+                               KEL_INT(DVDMenuItem, w, "w"),
+                               KEL_INT(DVDMenuItem, h, "h")};
+const kel::Binding kText[] = {KEL_INT(DVDMenuItem, x, "x"), KEL_INT(DVDMenuItem, y, "y"),
+                              KEL_INT(DVDMenuItem, w, "w"), KEL_INT(DVDMenuItem, h, "h")};
+const kel::Binding kButton[] = {KEL_TEXT(DVDMenuItem, imgName, "btnImageName"),
+                                KEL_INT(DVDMenuItem, x, "x"), KEL_INT(DVDMenuItem, y, "y"),
+                                KEL_INT(DVDMenuItem, w, "w"), KEL_INT(DVDMenuItem, h, "h")};
 
 // A list element of the template and where its items go. Both variants of a
 // list share one count: whichever of them comes last in the file sets it.
 struct List {
     const char* element;
     const char* item;
-    const char* imageAttr;  // item attribute holding the image, if any
-    const char* maskAttr;   // item attribute holding the mask, if any
+    kel::Bindings attrs;
     DVDMenuItem* slots;
     int capacity;
     int32_t* count;  // null for the navigation buttons, which have no count
@@ -29,12 +42,7 @@ void readList(xmlNode* element, const List& list) noexcept {
         if (n == list.capacity) break;
         DVDMenuItem& slot = list.slots[n++];
         std::memset(&slot, 0, sizeof slot);
-        if (list.imageAttr) kel::copyAttr(slot.imgName, node, list.imageAttr);
-        if (list.maskAttr) kel::copyAttr(slot.imgMaskPath, node, list.maskAttr);
-        slot.x = kel::attrInt(node, "x");
-        slot.y = kel::attrInt(node, "y");
-        slot.w = kel::attrInt(node, "w");
-        slot.h = kel::attrInt(node, "h");
+        kel::readAttrs(node, slot, list.attrs);
     }
     if (list.count) *list.count = n;
 }
@@ -60,14 +68,12 @@ int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record) {
         {"maskColor", m.maskColor, sizeof m.maskColor},
     };
     const List lists[] = {
-        {"frames", "frameRc", "frameImgName", "imgMaskPath", m.frames, 12, &m.frameCount},
-        {"framesBroadband", "frameRc", "frameImgName", "imgMaskPath", m.framesBroadband, 12,
-         &m.frameCount},
-        {"texts", "textRc", nullptr, nullptr, m.texts, 12, &m.textCount},
-        {"textsBroadband", "textRc", nullptr, nullptr, m.textsBroadband, 12, &m.textCount},
-        {"navbtnsInfo", "btnInfo", "btnImageName", nullptr, m.navbtnsInfo, 3, nullptr},
-        {"navbtnsInfoBroadband", "btnInfo", "btnImageName", nullptr, m.navbtnsInfoBroadband, 3,
-         nullptr},
+        {"frames", "frameRc", kFrame, m.frames, 12, &m.frameCount},
+        {"framesBroadband", "frameRc", kFrame, m.framesBroadband, 12, &m.frameCount},
+        {"texts", "textRc", kText, m.texts, 12, &m.textCount},
+        {"textsBroadband", "textRc", kText, m.textsBroadband, 12, &m.textCount},
+        {"navbtnsInfo", "btnInfo", kButton, m.navbtnsInfo, 3, nullptr},
+        {"navbtnsInfoBroadband", "btnInfo", kButton, m.navbtnsInfoBroadband, 3, nullptr},
     };
 
     for (xmlNode* child : kel::elements(doc.root())) {

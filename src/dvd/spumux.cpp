@@ -3,8 +3,8 @@
 // commands refer to them.
 #include <cstdio>
 
+#include "core/xml.h"
 #include "kelProfile.h"
-#include "xml/xml.h"
 
 namespace {
 

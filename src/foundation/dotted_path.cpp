@@ -5,8 +5,8 @@
 
 #include <cstring>
 
+#include "core/xml.h"
 #include "kelProfile.h"
-#include "xml/xml.h"
 
 namespace {
 

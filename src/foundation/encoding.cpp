@@ -1,11 +1,10 @@
 // Conversion between the code pages of files (UTF-8) and records (GBK).
-#include "foundation/encoding.h"
-
 #include <iconv.h>
 
 #include <cstring>
 #include <memory>
 
+#include "core/text.h"
 #include "kelProfile.h"
 
 namespace {
@@ -34,38 +33,6 @@ char* utf8ToGbkOrCopy(char* src, char* dst) {
 }
 
 }  // namespace
-
-int kel::convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out,
-                     unsigned long outlen, bool zeroFill) noexcept {
-    // Start from the initial state, whatever an earlier failure left.
-    iconv(cd, nullptr, nullptr, nullptr, nullptr);
-    if (zeroFill) {
-        std::memset(out, 0, outlen);
-    } else if (outlen > 0) {
-        out[0] = 0;
-    }
-    char empty[] = "";
-    char* inPtr = in ? const_cast<char*>(in) : empty;
-    std::size_t inLeft = in ? inlen : 0;
-    char* outPtr = out;
-    std::size_t outLeft = outlen;
-    std::size_t result = iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft);
-    if (!zeroFill && outLeft > 0) *outPtr = 0;
-    if (result != 0) return -1;
-    // A result that fills the whole buffer has no terminator: it does not fit.
-    return outLeft == 0 ? -1 : 0;
-}
-
-kel::Conversion::~Conversion() {
-    if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
-}
-
-int kel::Conversion::run(const char* in, unsigned long inlen, char* out,
-                         unsigned long outlen) noexcept {
-    if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open(to_, from_);
-    if (cd_ == reinterpret_cast<iconv_t>(-1)) return -1;
-    return convertWith(cd_, in, inlen, out, outlen, false);
-}
 
 int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen, char* out,
            unsigned long outlen) {

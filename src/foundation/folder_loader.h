@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "core/memory.h"
 #include "kelProfile.h"
-#include "xml/xml.h"
 
 namespace kel {
 

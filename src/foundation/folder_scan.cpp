@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/text.h"
 #include "foundation/folder_loader.h"
 #include "kelProfile.h"
 
@@ -64,7 +65,7 @@ void appendFile(const char* folder, int folderLen, const char* name, int* count,
     char path[kel::kMaxFolderPath];
     int n = std::snprintf(path, sizeof path, "%.*s/%s", folderLen, folder, name);
     if (n < 0 || static_cast<std::size_t>(n) >= sizeof path) return;
-    if (char* copy = strdup(path)) names[(*count)++] = copy;
+    if (char* copy = kel::dupText(path)) names[(*count)++] = copy;
 }
 
 void scan(const char* folder, int* count, char** names, const Descent* descent) noexcept {
@@ -81,7 +82,7 @@ void scan(const char* folder, int* count, char** names, const Descent* descent) 
         dev_t dev;
         ino_t ino;
     };
-    auto* subfolders = static_cast<Subfolder*>(std::malloc(sizeof(Subfolder) * (listed + 1)));
+    auto* subfolders = kel::allocRecords<Subfolder>(static_cast<std::size_t>(listed) + 1);
     int subfolderCount = 0;
     for (int i = 0; i < listed; ++i) {
         struct dirent* entry = entries[i];

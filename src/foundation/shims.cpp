@@ -1,15 +1,18 @@
 // Small string and number helpers that make what the XML parser returns
 // safe to copy into record fields, and stand-ins for functions the host
 // platform's C library lacks.
+#include <libxml/tree.h>
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "core/text.h"
 #include "kelProfile.h"
 
 int kelAtoi(char* text) {
-    return (text && *text) ? std::atoi(text) : 0;
+    return kel::parseInt(text);
 }
 
 char* kelStrdup(char* text) {
@@ -34,23 +37,7 @@ void strreverse(char* first, char* last) {
 }
 
 char* itoa(int value, char* buffer, int radix) {
-    static const char kDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-    if (radix < 2 || radix > 36) {
-        buffer[0] = 0;
-        return buffer;
-    }
-    // The magnitude is taken unsigned so that the smallest int has one too.
-    unsigned magnitude =
-        value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
-    char* p = buffer;
-    do {
-        *p++ = kDigits[magnitude % static_cast<unsigned>(radix)];
-        magnitude /= static_cast<unsigned>(radix);
-    } while (magnitude != 0);
-    if (value < 0) *p++ = '-';
-    *p = 0;
-    strreverse(buffer, p - 1);
-    return buffer;
+    return kel::formatInt(value, buffer, radix);
 }
 
 int _snprintf_s(char* buffer, int size, int /*count*/, const char* format, ...) {

@@ -39,11 +39,11 @@ bool copyTexts(char* (&to)[kLangSlots], char* const (&from)[kLangSlots], int slo
 }
 
 // A zero-filled array of exactly n records (a block without room for any
-// record when n is 0); null only when the allocation fails.
+// record when n is 0); false only when the allocation fails.
 template <class T>
 bool allocExactly(T*& to, int n) {
-    to = static_cast<T*>(std::calloc(static_cast<std::size_t>(n), sizeof(T)));
-    return to || n == 0;
+    to = kel::allocRecords<T>(static_cast<std::size_t>(n));
+    return to != nullptr;
 }
 
 bool copyItem(ConfigItem& to, const ConfigItem& from, Profile& owner, int slots) {

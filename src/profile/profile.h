@@ -12,7 +12,7 @@
 #include <cstdint>
 
 #include "kelProfile.h"
-#include "xml/xml.h"
+#include "core/xml.h"
 
 namespace kel::profile {
 

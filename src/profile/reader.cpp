@@ -14,7 +14,7 @@ int getLangIndex(int& count, char** table, const char* name) {
     for (int i = 0; i < known; ++i)
         if (table[i] && std::strcmp(table[i], name) == 0) return i;
     if (known == kLangSlots) return -1;
-    char* copy = strdup(name);
+    char* copy = kel::dupBytes(name, std::strlen(name));
     if (!copy) return -1;
     table[known] = copy;
     count = known + 1;
@@ -26,7 +26,7 @@ namespace {
 using kel::isElement;
 
 int decimal(const char* text) {
-    return text ? std::atoi(text) : 0;
+    return kel::parseInt(text);
 }
 
 // A comma-separated list text ("ListItem" or "ListValue") of at most 1023
@@ -88,9 +88,9 @@ private:
             if (isElement(child, "Name")) {
                 text.copyTo(p_.name);
             } else if (isElement(child, "DisplayName")) {
-                store(p_.displayName, child, text.text);
+                store(p_.displayName, child, text);
             } else if (isElement(child, "Desc")) {
-                store(p_.desc, child, text.text);
+                store(p_.desc, child, text);
             } else if (isElement(child, "Format")) {
                 text.copyTo(p_.format);
             } else if (isElement(child, "ExtName")) {
@@ -111,7 +111,7 @@ private:
             if (isElement(child, "ID")) {
                 p_.groupId = decimal(raw.get());
             } else if (isElement(child, "DisplayName")) {
-                store(p_.groupDisplayName, child, converter_.toRecord(raw.get()).text);
+                store(p_.groupDisplayName, child, converter_.toRecord(raw.get()));
             }
         }
     }
@@ -119,15 +119,9 @@ private:
     void readConfig(xmlNode* config) noexcept {
         // A later "Config" replaces the items of an earlier one.
         releaseItems(p_.configItems, itemCount(p_), kLangSlots);
-        p_.configItemCount = kel::countElements(config, "ConfigItem");
-        p_.configItems = kel::allocRecords<ConfigItem>(p_.configItemCount);
-        if (!p_.configItems) {
-            p_.configItemCount = 0;
+        if (!kel::readArray(config, "ConfigItem", p_.configItems, p_.configItemCount,
+                            [this](ConfigItem& item, xmlNode* node) { readItem(item, node); }))
             ok_ = false;
-            return;
-        }
-        ConfigItem* item = p_.configItems;
-        for (xmlNode* node : kel::elements(config, "ConfigItem")) readItem(*item++, node);
     }
 
     void readItem(ConfigItem& item, xmlNode* node) noexcept {
@@ -149,9 +143,9 @@ private:
             if (raw.empty()) continue;
             kel::RecordText text = converter_.toRecord(raw.get());
             if (isElement(child, "Label")) {
-                store(item.label, child, text.text);
+                store(item.label, child, text);
             } else if (isElement(child, "Description")) {
-                store(item.description, child, text.text);
+                store(item.description, child, text);
             } else if (isElement(child, "ListItem")) {
                 storeListLabels(item, child, text);
             } else if (isElement(child, "ListValue")) {
@@ -190,9 +184,9 @@ private:
     }
 
     // Replaces the text in the element's language slot by a copy of text.
-    void store(char* (&texts)[kLangSlots], const xmlNode* n, const char* text) noexcept {
+    void store(char* (&texts)[kLangSlots], const xmlNode* n, kel::RecordText text) noexcept {
         int slot = slotOf(n);
-        if (slot >= 0) replace(texts[slot], text ? text : "");
+        if (slot >= 0) replace(texts[slot], text.text ? text.text : "", text.enc);
     }
 
     // Piece m of a "ListItem" becomes the label of list entry m.
@@ -201,14 +195,13 @@ private:
         if (slot < 0) return;
         ListText labels;
         labels.assign(text);
-        labels.split(
-            [&](int m, const char* piece) { replace(item.listEntries[m].label[slot], piece); });
+        labels.split([&](int m, const char* piece) {
+            replace(item.listEntries[m].label[slot], piece, labels.enc());
+        });
     }
 
-    void replace(char*& field, const char* text) noexcept {
-        std::free(field);
-        field = strdup(text);
-        if (!field) ok_ = false;
+    void replace(char*& field, const char* text, kel::Enc enc) noexcept {
+        if (!kel::replaceText(field, text, enc)) ok_ = false;
     }
 
     Profile& p_;

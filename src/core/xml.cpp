@@ -1,9 +1,9 @@
-#include "xml/xml.h"
+#include "core/xml.h"
 
 #include <libxml/xmlerror.h>
 #include <libxml/xmlmemory.h>
 
-#include "kelProfile.h"
+#include <cstdio>
 
 namespace kel {
 
@@ -51,58 +51,52 @@ XmlText attr(const xmlNode* n, const char* name) noexcept {
 }
 
 int32_t attrInt(const xmlNode* n, const char* name) noexcept {
-    XmlText v = attr(n, name);
-    return v.empty() ? 0 : std::atoi(v.get());
+    return parseInt(attr(n, name).get());
 }
 
 XmlText content(const xmlNode* n) noexcept {
     return XmlText(n ? xmlNodeGetContent(n) : nullptr);
 }
 
-std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) noexcept {
-    if (len <= cap) return len;
-    const auto* u = reinterpret_cast<const unsigned char*>(s);
-    if (enc == Enc::Utf8) {
-        // Step back over at most three continuation bytes of the character
-        // that the cut would split.
-        std::size_t n = cap;
-        for (int i = 0; i < 3 && n > 0 && (u[n] & 0xC0) == 0x80; ++i) --n;
-        return (u[n] & 0xC0) == 0x80 ? cap : n;
+const char* convertedText(Converter& converter, const xmlNode* n) noexcept {
+    XmlText text = content(n);
+    return converter.toRecordOrNull(text ? text.get() : "");
+}
+
+namespace {
+template <class T>
+T* at(void* record, const Binding& b) noexcept {
+    return reinterpret_cast<T*>(static_cast<char*>(record) + b.offset);
+}
+template <class T>
+const T* at(const void* record, const Binding& b) noexcept {
+    return reinterpret_cast<const T*>(static_cast<const char*>(record) + b.offset);
+}
+}  // namespace
+
+void readAttrs(const xmlNode* n, void* record, Bindings table) noexcept {
+    for (const Binding& b : table) {
+        XmlText value = attr(n, b.name);
+        if (b.kind == Binding::Text) {
+            copyField(at<char>(record, b), b.width, value.get(), Enc::Utf8);
+        } else {
+            *at<int32_t>(record, b) = parseInt(value.get());
+        }
     }
-    // GBK: a lead byte from 0x81 takes the next byte with it.
-    std::size_t i = 0;
-    while (i < cap) {
-        std::size_t step = (u[i] >= 0x81 && u[i] <= 0xFE && i + 1 < len) ? 2 : 1;
-        if (i + step > cap) break;
-        i += step;
+}
+
+void writeAttrs(xmlNode* n, const void* record, Bindings table, ColourForm colours) noexcept {
+    for (const Binding& b : table) {
+        if (b.kind == Binding::Text) {
+            setAttr(n, b.name, FieldText<1024>(at<char>(record, b), b.width).text);
+        } else if (b.kind == Binding::Colour && colours == ColourForm::Hex) {
+            char hex[16];
+            std::snprintf(hex, sizeof hex, "0x%x", static_cast<unsigned>(*at<int32_t>(record, b)));
+            setAttr(n, b.name, hex);
+        } else {
+            setAttrInt(n, b.name, *at<int32_t>(record, b));
+        }
     }
-    return i;
-}
-
-void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept {
-    if (!dst || width == 0 || !src || !*src) return;
-    std::size_t n = fitLength(src, std::strlen(src), width - 1, enc);
-    std::memmove(dst, src, n);
-    dst[n] = 0;
-}
-
-char* dupText(const char* src) noexcept {
-    return (src && *src) ? strdup(src) : nullptr;
-}
-
-RecordText Converter::toRecord(const char* utf8) noexcept {
-    if (const char* converted = toRecordOrNull(utf8)) return {converted, Enc::Gbk};
-    return {utf8, Enc::Utf8};
-}
-
-const char* Converter::toRecordOrNull(const char* utf8) noexcept {
-    if (!utf8) return nullptr;
-    return toGbk_.run(utf8, std::strlen(utf8), buf_, kSize) == 0 ? buf_ : nullptr;
-}
-
-const char* Converter::toFile(const char* gbk) noexcept {
-    if (!gbk) return "";
-    return toUtf8_.run(gbk, std::strlen(gbk), buf_, kSize) == 0 ? buf_ : "";
 }
 
 WriteDoc::WriteDoc(const char* rootName) noexcept : doc_(xmlNewDoc(BAD_CAST "1.0")) {
@@ -135,10 +129,6 @@ void setAttr(xmlNode* n, const char* name, const char* value) noexcept {
 
 void setAttrInt(xmlNode* n, const char* name, int32_t value) noexcept {
     setAttr(n, name, Decimal(value).text);
-}
-
-Decimal::Decimal(int32_t v) noexcept {
-    itoa(v, text, 10);
 }
 
 }  // namespace kel

@@ -1,10 +1,8 @@
-// The layer every reader and writer stands on: owning handles for libxml2
-// documents and strings, walking a node's children by element name,
-// attribute and element-text access, bounded copies into fixed fields, the
-// UTF-8/GBK conversion of record text, and building and saving documents.
-//
-// Library code allocates with the C allocator only, so nothing here throws
-// and no exception can reach the C interface.
+// The XML half of the layer every reader and writer stands on: owning
+// handles for libxml2 documents and strings, walking a node's children by
+// element name, attribute and element-text access, counted arrays of
+// records, tables that bind attributes to record fields, and building and
+// saving documents.
 #pragma once
 
 #include <libxml/parser.h>
@@ -15,25 +13,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <type_traits>
 
-#include "foundation/encoding.h"
+#include "core/memory.h"
+#include "core/text.h"
 
 namespace kel {
 
 // ---- ownership -------------------------------------------------------------
-
-struct FreeDeleter {
-    void operator()(void* p) const noexcept { std::free(p); }
-};
-// A block from malloc/calloc/strdup.
-template <class T>
-using HeapPtr = std::unique_ptr<T, FreeDeleter>;
-
-// calloc of n records of T (a zero-filled block; a 0-byte block for n == 0).
-template <class T>
-T* allocRecords(std::size_t n) {
-    return static_cast<T*>(std::calloc(n == 0 ? 1 : n, sizeof(T)));
-}
 
 struct DocDeleter {
     void operator()(xmlDoc* d) const noexcept { xmlFreeDoc(d); }
@@ -136,64 +123,103 @@ XmlText attr(const xmlNode* n, const char* name) noexcept;
 int32_t attrInt(const xmlNode* n, const char* name) noexcept;
 // The whole text content of a node and its descendants.
 XmlText content(const xmlNode* n) noexcept;
-
-// ---- fixed fields ----------------------------------------------------------
-
-enum class Enc { Utf8, Gbk };
-
-// Longest prefix of s (len bytes) of at most cap bytes that ends on a whole
-// character of the encoding.
-std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) noexcept;
-
-// Copies src into a field of width bytes, cut to fit; a null or empty src
-// leaves the field as it was.
-void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept;
-template <std::size_t N>
-void copyField(char (&dst)[N], const char* src, Enc enc = Enc::Utf8) noexcept {
-    copyField(dst, N, src, enc);
-}
-// An attribute copied into a field unconverted.
+// The text content of an element converted to record text (GBK), in the
+// converter's buffer until its next conversion; null when it does not
+// convert, and a reader then skips the element, attributes and all.
+const char* convertedText(Converter& converter, const xmlNode* n) noexcept;
+// An attribute copied into a field unconverted; absent or empty leaves the
+// field as it was.
 template <std::size_t N>
 void copyAttr(char (&dst)[N], const xmlNode* n, const char* name) noexcept {
     copyField(dst, N, attr(n, name).get(), Enc::Utf8);
 }
 
-// A heap copy of src, or null for a null or empty src.
-char* dupText(const char* src) noexcept;
+// ---- counted arrays --------------------------------------------------------
 
-// ---- record text -----------------------------------------------------------
-
-// Text in the encoding a record holds it in, pointing into the converter's
-// buffer or into the source: valid until the next conversion.
-struct RecordText {
-    const char* text;
-    Enc enc;
-    bool empty() const noexcept { return !text || !*text; }
-    template <std::size_t N>
-    void copyTo(char (&dst)[N]) const noexcept {
-        copyField(dst, N, text, enc);
+// Reads the children of parent named name into one zero-filled block of
+// records allocated at its final size (a 0-byte block when there are
+// none): fill(record, node) fills each in document order and may return
+// false to report an allocation failure of its own. False when the block
+// or a fill failed; items and count then describe what was allocated, so
+// the record's release function reaches it.
+template <class T, class Fill>
+bool readArray(xmlNode* parent, const char* name, T*& items, int32_t& count, Fill&& fill) noexcept {
+    int n = countElements(parent, name);
+    items = allocRecords<T>(static_cast<std::size_t>(n));
+    count = items ? n : 0;
+    if (!items) return false;
+    T* item = items;
+    bool ok = true;
+    for (xmlNode* node : elements(parent, name)) {
+        if constexpr (std::is_same_v<decltype(fill(*item, node)), bool>) {
+            ok = fill(*item++, node) && ok;
+        } else {
+            fill(*item++, node);
+        }
     }
-    char* dup() const noexcept { return dupText(text); }
-};
+    return ok;
+}
 
-// The one 1024-byte conversion buffer of a read or a write, converting as
-// covert does.
-class Converter {
-public:
-    static constexpr std::size_t kSize = 1024;
-    // File text (UTF-8) to record text (GBK). When the text does not convert,
-    // the unconverted text is kept.
-    RecordText toRecord(const char* utf8) noexcept;
-    // As toRecord, but null when the text does not convert.
-    const char* toRecordOrNull(const char* utf8) noexcept;
-    // Record text (GBK) to file text (UTF-8); "" when it does not convert.
-    const char* toFile(const char* gbk) noexcept;
+// ---- attribute tables ------------------------------------------------------
+
+// One attribute of an element bound to a field of a record: its name, what
+// kind of field it feeds, and where the field lies. Readers and writers of
+// an element share one table, so they cannot disagree on names or order.
+struct Binding {
+    enum Kind : unsigned char {
+        Text,    // a fixed text field, copied as in the file
+        Int,     // a 32-bit number, decimal as atoi reads it
+        Colour,  // a 32-bit number, decimal or "0x%x" as the writer is asked
+    };
+    const char* name;
+    Kind kind;
+    std::size_t offset;
+    std::size_t width;
+};
+#define KEL_TEXT(Record, field, attrName)                                              \
+    ::kel::Binding {                                                                   \
+        attrName, ::kel::Binding::Text, offsetof(Record, field), sizeof(Record::field) \
+    }
+#define KEL_INT(Record, field, attrName)                                        \
+    ::kel::Binding {                                                            \
+        attrName, ::kel::Binding::Int, offsetof(Record, field), sizeof(int32_t) \
+    }
+#define KEL_COLOUR(Record, field, attrName)                                        \
+    ::kel::Binding {                                                               \
+        attrName, ::kel::Binding::Colour, offsetof(Record, field), sizeof(int32_t) \
+    }
+
+// A table of bindings, made from an array.
+struct Bindings {
+    template <std::size_t N>
+    constexpr Bindings(const Binding (&table)[N]) noexcept : begin_(table), end_(table + N) {}
+    constexpr const Binding* begin() const noexcept { return begin_; }
+    constexpr const Binding* end() const noexcept { return end_; }
 
 private:
-    char buf_[kSize];
-    Conversion toGbk_{"gbk", "UTF-8"};
-    Conversion toUtf8_{"UTF-8", "gbk"};
+    const Binding* begin_;
+    const Binding* end_;
 };
+
+// Reads a table's attributes of n into record: text cut to its field (absent
+// or empty leaves the field as it was), numbers as atoi reads them (absent
+// gives 0).
+void readAttrs(const xmlNode* n, void* record, Bindings table) noexcept;
+template <class R>
+void readAttrs(const xmlNode* n, R& record, Bindings table) noexcept {
+    readAttrs(n, static_cast<void*>(&record), table);
+}
+
+enum class ColourForm { Decimal, Hex };
+// Writes a table's attributes from record in table order: text fields read
+// no further than their width, numbers in decimal, colours as asked.
+void writeAttrs(xmlNode* n, const void* record, Bindings table,
+                ColourForm colours = ColourForm::Decimal) noexcept;
+template <class R>
+void writeAttrs(xmlNode* n, const R& record, Bindings table,
+                ColourForm colours = ColourForm::Decimal) noexcept {
+    writeAttrs(n, static_cast<const void*>(&record), table, colours);
+}
 
 // ---- writing ---------------------------------------------------------------
 
@@ -220,28 +246,5 @@ xmlNode* addInt(xmlNode* parent, const char* name, int32_t value) noexcept;
 // Attributes; a null value is written as "".
 void setAttr(xmlNode* n, const char* name, const char* value) noexcept;
 void setAttrInt(xmlNode* n, const char* name, int32_t value) noexcept;
-
-// A record's fixed text field as a terminated string, read no further than
-// the field's width: writers take record fields through it, so a field the
-// host left without a terminator is never read past its end.
-template <std::size_t N>
-struct FieldText {
-    explicit FieldText(const char (&field)[N]) noexcept {
-        std::size_t n = strnlen(field, N);
-        std::memcpy(text, field, n);
-        text[n] = 0;
-    }
-    char text[N + 1];
-};
-template <std::size_t N>
-FieldText<N> field(const char (&f)[N]) noexcept {
-    return FieldText<N>(f);
-}
-
-// Decimal text of a number, as the files hold it.
-struct Decimal {
-    explicit Decimal(int32_t v) noexcept;
-    char text[16];
-};
 
 }  // namespace kel

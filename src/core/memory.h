@@ -1,0 +1,42 @@
+// Every block the library allocates comes from here: one entry point for
+// the C allocator, so that a test build can make its n-th allocation fail
+// and prove that every reader cleans up after a failure.
+//
+// Library code allocates with the C allocator only, so nothing here throws
+// and no exception can reach the C interface.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+
+namespace kel {
+
+// calloc of count blocks of size bytes; at least one byte, so that a count
+// of 0 still gives a block (the "block of size 0" that readers hand out).
+void* allocZeroed(std::size_t count, std::size_t size) noexcept;
+// A terminated heap copy of the first n bytes of s.
+char* dupBytes(const char* s, std::size_t n) noexcept;
+
+// A zero-filled block of n records of T (a 0-byte block for n == 0).
+template <class T>
+T* allocRecords(std::size_t n) noexcept {
+    return static_cast<T*>(allocZeroed(n, sizeof(T)));
+}
+
+struct FreeDeleter {
+    void operator()(void* p) const noexcept { std::free(p); }
+};
+// A block from the C allocator, released with free.
+template <class T>
+using HeapPtr = std::unique_ptr<T, FreeDeleter>;
+
+// Fault injection for tests: after failAllocation(n), the n-th allocation
+// from now on fails (n <= 0: none does). allocations() counts the
+// allocations made since the last failAllocation call.
+namespace fault {
+void failAllocation(long n) noexcept;
+long allocations() noexcept;
+}  // namespace fault
+
+}  // namespace kel

@@ -1,0 +1,130 @@
+#include "core/text.h"
+
+#include <cstdlib>
+
+#include "core/memory.h"
+
+namespace kel {
+
+std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) noexcept {
+    if (len <= cap) return len;
+    const auto* u = reinterpret_cast<const unsigned char*>(s);
+    if (enc == Enc::Utf8) {
+        // Step back over at most three continuation bytes of the character
+        // that the cut would split.
+        std::size_t n = cap;
+        for (int i = 0; i < 3 && n > 0 && (u[n] & 0xC0) == 0x80; ++i) --n;
+        return (u[n] & 0xC0) == 0x80 ? cap : n;
+    }
+    // GBK: a lead byte from 0x81 takes the next byte with it.
+    std::size_t i = 0;
+    while (i < cap) {
+        std::size_t step = (u[i] >= 0x81 && u[i] <= 0xFE && i + 1 < len) ? 2 : 1;
+        if (i + step > cap) break;
+        i += step;
+    }
+    return i;
+}
+
+void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept {
+    if (!dst || width == 0 || !src || !*src) return;
+    std::size_t n = fitLength(src, std::strlen(src), width - 1, enc);
+    std::memmove(dst, src, n);
+    dst[n] = 0;
+}
+
+char* dupText(const char* src) noexcept {
+    return (src && *src) ? dupBytes(src, std::strlen(src)) : nullptr;
+}
+
+namespace {
+char* copyBounded(const char* src, Enc enc) noexcept {
+    return dupBytes(src, fitLength(src, strnlen(src, kMaxHeapText + 1), kMaxHeapText, enc));
+}
+}  // namespace
+
+char* dupBounded(const char* src, Enc enc) noexcept {
+    return (src && *src) ? copyBounded(src, enc) : nullptr;
+}
+
+bool replaceText(char*& field, const char* text, Enc enc) noexcept {
+    std::free(field);
+    field = text ? copyBounded(text, enc) : nullptr;
+    return field || !text;
+}
+
+char* formatInt(int value, char* buffer, int radix) noexcept {
+    static const char kDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+    if (radix < 2 || radix > 36) {
+        buffer[0] = 0;
+        return buffer;
+    }
+    // The magnitude is taken unsigned so that the smallest int has one too.
+    unsigned magnitude =
+        value < 0 ? 0u - static_cast<unsigned>(value) : static_cast<unsigned>(value);
+    char* p = buffer;
+    do {
+        *p++ = kDigits[magnitude % static_cast<unsigned>(radix)];
+        magnitude /= static_cast<unsigned>(radix);
+    } while (magnitude != 0);
+    if (value < 0) *p++ = '-';
+    *p = 0;
+    for (char *first = buffer, *last = p - 1; first < last; ++first, --last) {
+        char c = *first;
+        *first = *last;
+        *last = c;
+    }
+    return buffer;
+}
+
+int32_t parseInt(const char* text) noexcept {
+    return (text && *text) ? std::atoi(text) : 0;
+}
+
+int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsigned long outlen,
+                bool zeroFill) noexcept {
+    // Start from the initial state, whatever an earlier failure left.
+    iconv(cd, nullptr, nullptr, nullptr, nullptr);
+    if (zeroFill) {
+        std::memset(out, 0, outlen);
+    } else if (outlen > 0) {
+        out[0] = 0;
+    }
+    char empty[] = "";
+    char* inPtr = in ? const_cast<char*>(in) : empty;
+    std::size_t inLeft = in ? inlen : 0;
+    char* outPtr = out;
+    std::size_t outLeft = outlen;
+    std::size_t result = iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft);
+    if (!zeroFill && outLeft > 0) *outPtr = 0;
+    if (result != 0) return -1;
+    // A result that fills the whole buffer has no terminator: it does not fit.
+    return outLeft == 0 ? -1 : 0;
+}
+
+Conversion::~Conversion() {
+    if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
+}
+
+int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned long outlen) noexcept {
+    if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open(to_, from_);
+    if (cd_ == reinterpret_cast<iconv_t>(-1)) return -1;
+    return convertWith(cd_, in, inlen, out, outlen, false);
+}
+
+RecordText Converter::toRecord(const char* utf8) noexcept {
+    if (const char* converted = toRecordOrNull(utf8)) return {converted, Enc::Gbk};
+    return {utf8, Enc::Utf8};
+}
+
+const char* Converter::toRecordOrNull(const char* utf8) noexcept {
+    if (!utf8) return nullptr;
+    return toGbk_.run(utf8, std::strlen(utf8), buf_, kSize) == 0 ? buf_ : nullptr;
+}
+
+const char* Converter::toFile(const char* gbk) noexcept {
+    if (!gbk) return "";
+    return toUtf8_.run(gbk, std::strlen(gbk), buf_, kSize) == 0 ? buf_ : "";
+}
+
+}  // namespace kel

@@ -1,0 +1,139 @@
+// Text as records hold it: fixed fields cut to fit on a character
+// boundary, heap texts, decimal numbers, and the conversion between the
+// code pages of files (UTF-8) and records (GBK).
+#pragma once
+
+#include <iconv.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+namespace kel {
+
+// ---- fixed fields and heap texts ------------------------------------------
+
+enum class Enc { Utf8, Gbk };
+
+// Longest prefix of s (len bytes) of at most cap bytes that ends on a whole
+// character of the encoding.
+std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) noexcept;
+
+// Copies src into a field of width bytes, cut to fit; a null or empty src
+// leaves the field as it was.
+void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept;
+template <std::size_t N>
+void copyField(char (&dst)[N], const char* src, Enc enc = Enc::Utf8) noexcept {
+    copyField(dst, N, src, enc);
+}
+
+// Heap texts: null stands for an empty text.
+constexpr std::size_t kMaxHeapText = 1023;
+// A heap copy of src, or null for a null or empty src (and when the copy
+// cannot be allocated).
+char* dupText(const char* src) noexcept;
+// As dupText, cut to at most 1023 bytes on a character boundary.
+char* dupBounded(const char* src, Enc enc) noexcept;
+// Replaces a heap text by a copy of text cut as by dupBounded (an empty
+// text gives an empty copy, a null one null), releasing the old one. False
+// when the copy cannot be allocated (the field is then null).
+bool replaceText(char*& field, const char* text, Enc enc = Enc::Utf8) noexcept;
+
+// A record's fixed text field as a terminated string, read no further than
+// the field's width: writers take record fields through it, so a field the
+// host left without a terminator is never read past its end.
+template <std::size_t N>
+struct FieldText {
+    explicit FieldText(const char (&field)[N]) noexcept : FieldText(field, N) {}
+    FieldText(const char* field, std::size_t width) noexcept {
+        std::size_t n = field ? strnlen(field, width < N ? width : N) : 0;
+        if (n) std::memcpy(text, field, n);
+        text[n] = 0;
+    }
+    char text[N + 1];
+};
+template <std::size_t N>
+FieldText<N> field(const char (&f)[N]) noexcept {
+    return FieldText<N>(f);
+}
+
+// ---- numbers ---------------------------------------------------------------
+
+// value in radix 2 to 36 into buffer (at least 34 bytes), with a leading
+// '-' for negative values; the smallest int keeps its full magnitude. An
+// unknown radix gives "".
+char* formatInt(int value, char* buffer, int radix) noexcept;
+// Text as atoi reads it; null or empty gives 0.
+int32_t parseInt(const char* text) noexcept;
+
+// Decimal text of a number, as the files hold it.
+struct Decimal {
+    explicit Decimal(int32_t v) noexcept { formatInt(v, text, 10); }
+    char text[16];
+};
+
+// ---- code pages ------------------------------------------------------------
+
+// Converts inlen bytes of in into out (outlen bytes) with an open
+// descriptor. 0 on success; -1 when the input is invalid or cut short, when
+// anything was converted irreversibly, or when the result leaves no room
+// for its terminator. The result, whole or partial, is terminated: by
+// zeroing all of out first when zeroFill is set (what covert promises its
+// callers), else by one terminator after it.
+int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsigned long outlen,
+                bool zeroFill) noexcept;
+
+// A conversion direction whose descriptor is opened at its first use and
+// kept for the rest of one read or write, so that a file with thousands of
+// texts does not open and close a descriptor for each of them.
+class Conversion {
+public:
+    Conversion(const char* tocode, const char* fromcode) noexcept : to_(tocode), from_(fromcode) {}
+    ~Conversion();
+    Conversion(const Conversion&) = delete;
+    Conversion& operator=(const Conversion&) = delete;
+    // As covert, without zeroing the rest of out: 0, or -1 when the
+    // descriptor cannot be opened (out is then left alone) or the
+    // conversion fails.
+    int run(const char* in, unsigned long inlen, char* out, unsigned long outlen) noexcept;
+
+private:
+    const char* to_;
+    const char* from_;
+    iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
+};
+
+// Text in the encoding a record holds it in, pointing into the converter's
+// buffer or into the source: valid until the next conversion.
+struct RecordText {
+    const char* text;
+    Enc enc;
+    bool empty() const noexcept { return !text || !*text; }
+    template <std::size_t N>
+    void copyTo(char (&dst)[N]) const noexcept {
+        copyField(dst, N, text, enc);
+    }
+    // A heap copy of at most 1023 bytes, null when empty.
+    char* dup() const noexcept { return dupBounded(text, enc); }
+};
+
+// The one 1024-byte conversion buffer of a read or a write, converting as
+// covert does.
+class Converter {
+public:
+    static constexpr std::size_t kSize = 1024;
+    // File text (UTF-8) to record text (GBK). When the text does not convert,
+    // the unconverted text is kept.
+    RecordText toRecord(const char* utf8) noexcept;
+    // As toRecord, but null when the text does not convert.
+    const char* toRecordOrNull(const char* utf8) noexcept;
+    // Record text (GBK) to file text (UTF-8); "" when it does not convert.
+    const char* toFile(const char* gbk) noexcept;
+
+private:
+    char buf_[kSize];
+    Conversion toGbk_{"gbk", "UTF-8"};
+    Conversion toUtf8_{"UTF-8", "gbk"};
+};
+
+}  // namespace kel
