@@ -1,0 +1,149 @@
+// Allocation failures: every allocation a full read makes is made to fail
+// in turn, from the first until the read no longer reaches the failing one.
+// After each failure the reader must give 1 with a cleared record, and the
+// sanitizer build proves nothing leaks and nothing is touched after release.
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "core/memory.h"
+#include "kelProfile.h"
+#include "support.h"
+
+namespace {
+
+// Calls run(failed) with the n-th allocation failing, for n = 1, 2, ...,
+// until a run makes fewer than n allocations; failed tells whether this run
+// met its failing allocation. Returns how many runs met one.
+template <class Run>
+long everyAllocationFails(Run&& run) {
+    long failures = 0;
+    for (long n = 1;; ++n) {
+        kel::fault::failAllocation(n);
+        struct Reset {
+            ~Reset() { kel::fault::failAllocation(0); }
+        } reset;
+        run([&] { return kel::fault::allocations() >= n; });
+        if (kel::fault::allocations() < n) return failures;
+        ++failures;
+    }
+}
+
+template <class T>
+bool allZero(const T& record) {
+    static const T zero{};
+    return std::memcmp(&record, &zero, sizeof record) == 0;
+}
+
+// A profile with ten languages, list entries with labels in each, and a
+// second "Config" that replaces the first.
+std::string tenLanguageProfile() {
+    std::string langs[10];
+    for (int i = 0; i < 10; ++i) langs[i] = "l" + std::to_string(i);
+    std::string xml = "<Profiles><Main><Name>n</Name>";
+    for (const auto& l : langs) xml += "<DisplayName lang=\"" + l + "\">d" + l + "</DisplayName>";
+    xml += "<Desc lang=\"l0\">x</Desc></Main><Group><ID>1</ID>";
+    xml += "<DisplayName lang=\"l3\">g</DisplayName></Group>";
+    xml += "<Config><ConfigItem name=\"old\"><Label>o</Label></ConfigItem></Config><Config>";
+    for (int k = 0; k < 3; ++k) {
+        xml += "<ConfigItem name=\"i" + std::to_string(k) + "\" displayType=\"list\">";
+        for (const auto& l : langs) {
+            xml += "<Label lang=\"" + l + "\">L</Label><Description lang=\"" + l +
+                   "\">D</Description>";
+            xml += "<ListItem lang=\"" + l + "\">a,b,c,extra</ListItem>";
+        }
+        xml += "<ListValue>1,2,3</ListValue><DefaultValue>2</DefaultValue></ConfigItem>";
+    }
+    return xml + "</Config></Profiles>";
+}
+
+class AllocationFailure : public ::testing::Test {
+protected:
+    TempDir dir;
+};
+
+TEST_F(AllocationFailure, ProfileReadAndCopy) {
+    std::string path = dir.file("p.xml");
+    writeFile(path, tenLanguageProfile());
+    long failures = everyAllocationFails([&](auto failed) {
+        Profile p;
+        int rc = praseXmlFile(path.c_str(), &p);
+        if (failed()) {
+            EXPECT_EQ(rc, 1);
+            Profile expected{};
+            std::strcpy(expected.fileName, "p.xml");
+            EXPECT_EQ(std::memcmp(&p, &expected, sizeof p), 0);
+        } else {
+            EXPECT_EQ(rc, 0);
+            EXPECT_EQ(p.langCount, 10);
+        }
+        freeProfile(&p);
+    });
+    EXPECT_GT(failures, 100);
+
+    Profile source;
+    ASSERT_EQ(praseXmlFile(path.c_str(), &source), 0);
+    failures = everyAllocationFails([&](auto failed) {
+        Profile copy;
+        copyProfile(&copy, &source);
+        if (failed()) {
+            EXPECT_TRUE(allZero(copy));
+        } else {
+            EXPECT_EQ(copy.configItemCount, 3);
+        }
+        freeProfile(&copy);
+    });
+    EXPECT_GT(failures, 100);
+    freeProfile(&source);
+}
+
+TEST_F(AllocationFailure, TemporaryOptionsAndDvdTemplates) {
+    std::string options = dir.file("o.xml");
+    writeFile(options, R"(<tempOption><optionItem name="profileName">p</optionItem>
+      <optionItem name="isSystem">1</optionItem></tempOption>)");
+    EXPECT_EQ(everyAllocationFails([&](auto failed) {
+                  TempOption record;
+                  int rc = praseOptionXmlFile(options.c_str(), &record);
+                  EXPECT_EQ(rc, failed() ? 1 : 0);
+                  if (failed()) {
+                      EXPECT_TRUE(allZero(record));
+                  }
+                  std::free(record.tempItems);
+              }),
+              1);
+
+    // A menu template lives in the record's own arrays: its read allocates
+    // nothing of the library's, and so cannot fail on it.
+    std::string menu = dir.file("m.xml");
+    writeFile(menu, R"(<menu><bgImageName>bg.png</bgImageName>
+      <frames frameImgName="f.png"><frameRc x="1" y="2" w="3" h="4"/></frames></menu>)");
+    EXPECT_EQ(everyAllocationFails([&](auto) {
+                  DVDMenu record;
+                  EXPECT_EQ(praseDVDMenuXmlFile(menu.c_str(), &record), 0);
+              }),
+              0);
+}
+
+TEST_F(AllocationFailure, FolderLoadersLoseFilesNeverMemory) {
+    writeFile(dir.file("a.xml"), tenLanguageProfile());
+    writeFile(dir.file("sub/b.xml"), tenLanguageProfile());
+    writeFile(dir.file("sub/deeper/c.xml"), "<Profiles/>");
+    std::string folder = dir.path().string();
+    long failures = everyAllocationFails([&](auto failed) {
+        RecordArray result{nullptr, 7};
+        EXPECT_EQ(praseXMLFolder(folder.c_str(), &result), 0);
+        EXPECT_LE(result.count, 3);
+        if (!failed()) {
+            EXPECT_EQ(result.count, 3);
+        }
+        if (!result.records) {
+            EXPECT_EQ(result.count, 0);
+        }
+        for (int i = 0; i < result.count; ++i)
+            freeProfile(&static_cast<Profile*>(result.records)[i]);
+        std::free(result.records);
+    });
+    EXPECT_GT(failures, 200);
+}
+
+}  // namespace
