@@ -8,11 +8,20 @@
  * products is GBK (attribute values excepted, which stay UTF-8 as in the
  * file); web-player and DVD records hold UTF-8. Every file written is UTF-8.
  *
- * File functions return 0 on success and 1 on failure. A reader clears its
- * record before it opens the file, so a failed read leaves a cleared record;
- * it never releases what the record held before. The library keeps no state
- * between calls and is used from one thread at a time (readers reset
- * libxml2's global parser state when they finish).
+ * File functions return 0 on success and 1 on failure, and every reader
+ * and writer follows one failure rule:
+ *  - A null record, result or path gives 1; nothing is dereferenced.
+ *  - A reader clears its whole record (or its result's pointer and count)
+ *    before it opens the file, so any failed read leaves a cleared record.
+ *    It never releases what the record held before: the caller does.
+ *  - A file that is missing, unreadable or not well formed, or that has no
+ *    root element, gives 1 with the record cleared and nothing allocated.
+ *  - An allocation failure during a read releases what was read, clears
+ *    the record and gives 1.
+ *  - A writer gives 1 when the file cannot be saved; it never changes its
+ *    record.
+ * The library keeps no state between calls and is used from one thread at
+ * a time (readers reset libxml2's global parser state when they finish).
  *
  * Choices that apply throughout:
  *  - A value longer than its fixed field is cut to the field (width - 1
@@ -105,38 +114,55 @@ typedef struct Profile {
     int32_t configItemCount;    /* number of items */
 } Profile;
 
-/* Reads a profile file. Beyond the record's capacities: a language met
- * after ten others gets no slot and its texts are dropped; list pieces
- * after the twentieth are dropped; labels of list entries beyond the number
- * of values are dropped, so a read record owns nothing that freeProfile
- * does not release. A ConfigItem without "name", "group" or "readyOnly"
- * gets an empty text or 0. A text met again for the same slot replaces the
- * earlier one, and a later "Config" replaces the items of an earlier one.
- * An allocation failure releases what was read and returns 1, the record
- * cleared except fileName. */
+/* Reads the profile file at path into *record.
+ * Result: 0 read; 1 on a null record, a file that cannot be read or an
+ * allocation failure (the record cleared except fileName, which is taken
+ * from the path before the file is opened).
+ * Ownership: the heap texts and arrays of a read record are the caller's,
+ * released with freeProfile.
+ * Choices: a language met after ten others gets no slot and its texts are
+ * dropped; list pieces after the twentieth are dropped; labels of list
+ * entries beyond the number of values are dropped, so a read record owns
+ * nothing that freeProfile does not release. A ConfigItem without "name",
+ * "group" or "readyOnly" gets an empty text or 0. A text met again for the
+ * same slot replaces the earlier one, and a later "Config" replaces the
+ * items of an earlier one. A text that does not convert to GBK is kept as
+ * the file's UTF-8, a heap text cut to 1023 bytes. */
 KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
-/* Writes a profile file. Joined list labels or values longer than 1023
- * bytes are cut at the last whole piece that fits. Record text that does
- * not convert to UTF-8 is written as an empty element. */
+/* Writes *record as a profile file at path.
+ * Result: 0 saved; 1 on a null record or a failed save.
+ * Ownership: the record is only read.
+ * Choices: joined list labels or values longer than 1023 bytes are cut at
+ * the last whole piece that fits; record text that does not convert to
+ * UTF-8 is written as an empty element. */
 KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
-/* Writes one profile file from a settings profile and a texts profile
- * matched item by item. Items of the settings profile without a
- * counterpart in the texts profile get no labels or descriptions, and
- * their list labels are written as if untranslated. Every null text the
- * merge needs (display names and descriptions, the translated label of
- * list entry 0) is written as an empty element or an empty piece. Lists
- * are cut as by saveXmlFile. */
+/* Writes one profile file at path from a settings profile (everything but
+ * the translations) and a texts profile (its languages and the translated
+ * texts), matched item by item.
+ * Result: 0 saved; 1 on a null profile or a failed save.
+ * Ownership: both profiles are only read.
+ * Choices: items of the settings profile without a counterpart in the
+ * texts profile get no labels or descriptions, and their list labels are
+ * written as if untranslated. Every null text the merge needs (display
+ * names and descriptions, the translated label of list entry 0) is written
+ * as an empty element or an empty piece. Lists are cut as by saveXmlFile. */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
-/* Releases everything the record owns (not the record itself). Counts
- * outside their range are taken as 0 (negative) or 10 (languages above
- * ten). */
+/* Releases everything *record owns: its heap texts, items and list
+ * entries. The record itself stays the caller's; its pointers are stale
+ * afterwards. A null record does nothing.
+ * Choices: counts outside their range are taken as 0 (negative) or 10
+ * (languages above ten). */
 KELPROFILE_API void freeProfile(Profile* record);
-/* freeProfile on the profile the cell points to, then free(cell). */
+/* freeProfile on the profile the heap cell points to, then free(cell).
+ * A null cell does nothing. */
 KELPROFILE_API void freePtrProfile(Profile** cell);
-/* Deep copy; every owner pointer of the copy points into the copy, and an
- * item's list array has room for exactly listEntryCount entries. Counts
- * are bounded as by freeProfile. When an allocation fails the target is
- * left cleared. */
+/* Deep-copies *source into *target, which is cleared first (what it held
+ * is not released). Every owner pointer of the copy points into the copy,
+ * and an item's list array has room for exactly listEntryCount entries.
+ * Ownership: the copy owns its own texts and arrays, released with
+ * freeProfile.
+ * Choices: counts are bounded as by freeProfile; when an allocation fails
+ * the target is left cleared; a null source gives a cleared target. */
 KELPROFILE_API void copyProfile(Profile* target, const Profile* source);
 
 /* ------------------------------------------------------------------------
@@ -407,20 +433,28 @@ typedef struct DVDDisc {
     char menuFolder[1024]; /* folder holding the menu page videos */
 } DVDDisc;
 
-/* Reads a menu template. Both variants share frameCount and textCount: the
- * last frame or text list in the file sets them. A list met again is read
- * into its slots from the first; each item read replaces its slot whole,
- * and slots past the new count keep what they held. */
+/* Reads the menu template at path into *record.
+ * Result: 0 read; 1 on a null record or a file that cannot be read (the
+ * record cleared).
+ * Ownership: the record holds everything in its own arrays; nothing is
+ * allocated.
+ * Choices: both variants share frameCount and textCount: the last frame or
+ * text list in the file sets them. A list met again is read into its slots
+ * from the first; each item read replaces its slot whole, and slots past
+ * the new count keep what they held. */
 KELPROFILE_API int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record);
-/* Writes the spumux control file of one menu page; a btnCount above 15 is
- * taken as 15, one of 0 or below writes no buttons. The corners x + w and
- * y + h are written whole, even beyond the 32-bit range. Text fields are
- * read no further than their width, terminated or not. */
+/* Writes the spumux control file of one menu page at path.
+ * Result: 0 saved; 1 on a null record or a failed save.
+ * Ownership: the record is only read.
+ * Choices: a btnCount above 15 is taken as 15, one of 0 or below writes no
+ * buttons. The corners x + w and y + h are written whole, even beyond the
+ * 32-bit range. */
 KELPROFILE_API int32_t saveDVDMenuXml(const char* path, const DVDSubpicture* record);
-/* Writes the dvdauthor control file of a disc. A titleCount above 12 is
- * taken as 12, a negative one as 0; null pages or a negative pageCount
- * give a disc without pages. Text fields, menuFolder among them, are read
- * no further than their width.
+/* Writes the dvdauthor control file of a disc at path.
+ * Result: 0 saved; 1 on a null record or a failed save.
+ * Ownership: the record and its pages are only read.
+ * Choices: a titleCount above 12 is taken as 12, a negative one as 0; null
+ * pages or a negative pageCount give a disc without pages.
  * Pages without titles keep their button numbering. The disc's last title
  * is the last one of the last page that has titles, and it ends with
  * "call vmgm menu 1;", so empty pages at the end never make it call a
@@ -493,11 +527,20 @@ KELPROFILE_API int32_t praseOPtionXmlFile(const char* path, GroupOPtion* group);
 /* Releases the group with every item's strings and child arrays, then sets
  * *group to null. */
 KELPROFILE_API void freeGroupOPtion(GroupOPtion** group);
-/* Reads a temporary option file. An allocation failure gives 1 with the
- * record cleared. */
+/* Reads the temporary option file at path into *record.
+ * Result: 0 read; 1 on a null record, a file that cannot be read or an
+ * allocation failure (the record cleared).
+ * Ownership: tempItems is one heap block that the caller releases with
+ * free.
+ * Choices: a value that does not convert to GBK is kept as the file's
+ * UTF-8; values and names are cut to their fields. */
 KELPROFILE_API int32_t praseOptionXmlFile(const char* path, TempOption* record);
-/* Writes a temporary option file; a value that is not valid GBK is written
- * as an empty "optionItem". */
+/* Writes *record as a temporary option file at path.
+ * Result: 0 saved; 1 on a null record, null tempItems with a count above 0,
+ * or a failed save.
+ * Ownership: the record is only read.
+ * Choices: a value that is not valid GBK is written as an empty
+ * "optionItem". */
 KELPROFILE_API int32_t saveOptionXmlFile(const char* path, const TempOption* record);
 /* Reads a product information file into an array of ProductInfo. */
 KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result);
@@ -509,65 +552,107 @@ KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result
  * Foundation (C++ linkage)
  * ---------------------------------------------------------------------- */
 
-/* Converts inlen bytes of in from fromcode to tocode into out (outlen bytes,
- * zeroed first). 0 on success, -1 on failure. A result that fills all
- * outlen bytes leaves no room for the terminator and counts as not fitting
- * (-1). */
+/* Converts inlen bytes of in from the code set fromcode to tocode ("gbk",
+ * "UTF-8") into out, which is zeroed first.
+ * Result: 0 converted; -1 when a name is null or unknown, the input is
+ * invalid or cut short, or the result does not fit.
+ * Choices: a result that fills all outlen bytes leaves no room for the
+ * terminator and counts as not fitting (-1). */
 KELPROFILE_API int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen,
                           char* out, unsigned long outlen);
-/* Both convert UTF-8 to GBK into the 1024-byte dst, falling back to a copy
- * of src; a copied source longer than 1023 bytes is cut to 1023. */
+/* Both convert src from UTF-8 to GBK into dst (1024 bytes), and keep a
+ * copy of src when it does not convert; their names are historical.
+ * Result: dst, or null for a null src.
+ * Choices: a copied source longer than 1023 bytes is cut to 1023. */
 KELPROFILE_API char* GBKtoUTF(char* src, char* dst);
 KELPROFILE_API char* UTFtoGBK(char* src, char* dst);
 
+/* atoi of text; a null or empty text gives 0. */
 KELPROFILE_API int kelAtoi(char* text);
+/* A heap copy of text that the caller frees; null for a null or empty
+ * text. */
 KELPROFILE_API char* kelStrdup(char* text);
+/* strcpy of src into dst when both are given and src is not empty; dst
+ * must hold src. */
 KELPROFILE_API void kelStrcpy(char* dst, const char* src);
+/* strlen of text; a null text has length 0. */
 KELPROFILE_API unsigned long kelStrlen(char* text);
-/* The smallest int is written with its full magnitude: -2147483648. */
+/* Writes value in radix 2 to 36 into buffer (room for 34 bytes suffices)
+ * and returns buffer; an unknown radix gives "".
+ * Choices: the smallest int is written with its full magnitude,
+ * -2147483648. */
 KELPROFILE_API char* itoa(int value, char* buffer, int radix);
-/* Nothing happens when either pointer is null. */
+/* Reverses the bytes from first to last, both included, in place.
+ * Choices: nothing happens when either pointer is null. */
 KELPROFILE_API void strreverse(char* first, char* last);
-/* Formats like vsprintf. A size above 0 bounds the output to size - 1
- * characters and a terminator and the result is the number of characters
- * stored; a size of 0 or less leaves the output unbounded, as callers that
- * pass _countof(buffer) expect. */
+/* Formats like vsprintf into buffer; count is not used.
+ * Result: the number of characters stored.
+ * Choices: a size above 0 bounds the output to size - 1 characters and a
+ * terminator; a size of 0 or less leaves the output unbounded, as callers
+ * that pass _countof(buffer) expect. */
 KELPROFILE_API int _snprintf_s(char* buffer, int size, int count, const char* format, ...);
+/* Always 0: the size of an array is not known from a pointer. */
 KELPROFILE_API int _countof(char* text);
+/* free(pointer) when pointer is not null. */
 KELPROFILE_API void saveFree(void* pointer);
-/* A null node has 0 children. */
+/* The number of child nodes of node, of every kind.
+ * Choices: a null node has 0 children. */
 KELPROFILE_API int getChildCount(xmlNode* node);
 
+/* Display type code of a "displayType" word: "list" 20, "input" 21,
+ * "checkbox" 22, "chooseFile" 23, "chooseColor" 24; anything else or null
+ * gives 0. findDisplayStr gives the word of a code, "" for an unknown one. */
 KELPROFILE_API int findDisplayType(char* text);
 KELPROFILE_API const char* findDisplayStr(int code);
+/* Value type code of a "valueType" word: "int" 1, "string" 2, "double" 3;
+ * anything else or null gives 0. The int overload gives the word of a
+ * code, "" for an unknown one. */
 KELPROFILE_API int findValueType(char* text);
 KELPROFILE_API const char* findValueType(int code);
 
-/* Slot of a language name, appending it when new; a null name gives 0. A
- * name met when the table already holds 10 names is not added; it gets the
- * slot -1, which the reader treats as "drop this text" (so does a name
- * whose copy cannot be allocated). */
+/* The slot of a language name in table (count names in use), appending a
+ * heap copy of the name when it is new; the table owns the copies.
+ * Result: the slot, 0 for a null name.
+ * Choices: a name met when the table already holds 10 names is not added;
+ * it gets the slot -1, which the reader treats as "drop this text" (so
+ * does a name whose copy cannot be allocated). */
 KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 
-/* Follows symbolic links; a status that cannot be taken prints "stat()"
- * with the reason and ends the process with status 1. A folder and name
- * that do not join within 1023 bytes are not a directory (no status is
- * taken). */
+/* Whether the entry of folder is a directory, following symbolic links.
+ * Choices: a status that cannot be taken prints "stat()" with the reason
+ * and ends the process with status 1. A folder and name that do not join
+ * within 1023 bytes are not a directory (no status is taken). */
 KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
-/* Appends the XML files below folder to names (at most 512 entries in
- * all); paths that do not fit 511 bytes are skipped, and a folder already
- * being descended through a symbolic link is not entered again. */
+/* Appends the paths of the ".xml" and ".XML" files below folder to names
+ * and counts them in *count: the folder's own files first, then each
+ * subfolder in turn. Result: always 0.
+ * Ownership: each name is a heap string the caller frees.
+ * Choices: at most 512 entries in all; paths that do not fit 511 bytes are
+ * skipped, and a folder already being descended through a symbolic link
+ * is not entered again. */
 KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
-/* Folder loaders: every XML file below the folder read into one block. When
- * the block cannot be allocated, records is null and count 0. */
+/* Folder loaders: every XML file below folder read into one block of
+ * records (Profile, DVDMenu, TempOption) with the family's reader; only
+ * files that read count, without gaps. Result: always 0.
+ * Ownership: result->records is one heap block the caller frees after
+ * releasing each record as its family does.
+ * Choices: when the block cannot be allocated, records is null and count
+ * 0. */
 KELPROFILE_API int praseXMLFolder(const char* folder, RecordArray* result);
 KELPROFILE_API int praseDVDXMLFolder(const char* folder, RecordArray* result);
 KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result);
 
-/* Reads the text of the element a dotted path names. A path of more than 5
- * components or with a component over 511 bytes finds nothing. The value
- * is copied whole: out must be large enough. */
+/* Copies into out the text of the element that a dotted path of one or two
+ * names below the root (Main.Name) names, first match of each name; out
+ * is left alone when there is none.
+ * Result: 0 when the file was read (found or not); 1 when it cannot be.
+ * Choices: a path of more than 5 components or with a component over 511
+ * bytes finds nothing. The value is copied whole: out must be large
+ * enough. */
 KELPROFILE_API int getXmlValue(const char* file, const char* path, char* out);
+/* Replaces the text of the element a dotted path names with value and
+ * rewrites the file (unindented), whether or not an element was found.
+ * Result: 0 when the file was read; 1 when it cannot be. */
 KELPROFILE_API int setXmlValue(const char* file, const char* path, const char* value);
 
 #endif /* __cplusplus */
