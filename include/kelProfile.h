@@ -648,11 +648,24 @@ KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result)
  * Result: 0 when the file was read (found or not); 1 when it cannot be.
  * Choices: a path of more than 5 components or with a component over 511
  * bytes finds nothing. The value is copied whole: out must be large
- * enough. */
+ * enough. Prefer the bounded overload below. */
 KELPROFILE_API int getXmlValue(const char* file, const char* path, char* out);
+/* As the three-argument getXmlValue, bounded: copies at most size - 1
+ * bytes of the value into out and a terminator (never cutting a UTF-8
+ * character), out "" when the path names nothing.
+ * Result: the value's full length in bytes, as snprintf gives it (0 when
+ * the path names nothing), or -1 when the file cannot be read. A result of
+ * size or more means the value was cut. */
+KELPROFILE_API long getXmlValue(const char* file, const char* path, char* out, unsigned long size);
 /* Replaces the text of the element a dotted path names with value and
- * rewrites the file (unindented), whether or not an element was found.
- * Result: 0 when the file was read; 1 when it cannot be. */
+ * rewrites the file as parsed (unindented), whether or not an element was
+ * found.
+ * Result: 0 rewritten; 1 when the file cannot be read or the rewrite fails
+ * (the file is then left as it was).
+ * Choices: "&amp;", character references and entities the document
+ * declares keep their meaning in value; any other ampersand is taken
+ * literally ("Rock & Roll", "AT&T;"), so a value never makes the file
+ * unreadable. The file is replaced only once the new one is saved whole. */
 KELPROFILE_API int setXmlValue(const char* file, const char* path, const char* value);
 
 #endif /* __cplusplus */

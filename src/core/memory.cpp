@@ -7,21 +7,38 @@ namespace kel {
 namespace {
 long gFailAt = 0;
 long gCount = 0;
+constexpr std::size_t kUnbounded = static_cast<std::size_t>(-1);
+std::size_t gBudget = kUnbounded;
 
-// Whether this allocation is the one a test asked to fail.
-bool injectFailure() noexcept {
+// Whether this allocation of bytes must fail: it is the one a test asked to
+// fail, or it does not fit the budget of the read in progress.
+bool refuse(std::size_t bytes) noexcept {
     ++gCount;
-    return gFailAt > 0 && gCount == gFailAt;
+    if (gFailAt > 0 && gCount == gFailAt) return true;
+    if (gBudget == kUnbounded) return false;
+    if (bytes > gBudget) return true;
+    gBudget -= bytes;
+    return false;
 }
 }  // namespace
 
+RecordBudget::RecordBudget() noexcept : saved_(gBudget) {
+    gBudget = kBytes;
+}
+
+RecordBudget::~RecordBudget() {
+    gBudget = saved_;
+}
+
 void* allocZeroed(std::size_t count, std::size_t size) noexcept {
-    if (injectFailure()) return nullptr;
-    return std::calloc(count == 0 ? 1 : count, size == 0 ? 1 : size);
+    if (count == 0) count = 1;
+    if (size == 0) size = 1;
+    if (count > kUnbounded / size || refuse(count * size)) return nullptr;
+    return std::calloc(count, size);
 }
 
 char* dupBytes(const char* s, std::size_t n) noexcept {
-    if (injectFailure()) return nullptr;
+    if (refuse(n + 1)) return nullptr;
     auto* copy = static_cast<char*>(std::malloc(n + 1));
     if (!copy) return nullptr;
     std::memcpy(copy, s, n);

@@ -31,6 +31,22 @@ struct FreeDeleter {
 template <class T>
 using HeapPtr = std::unique_ptr<T, FreeDeleter>;
 
+// A bound on what the records of one read may allocate, in force while an
+// instance lives: an allocation past it fails, and the reader takes its
+// allocation-failure path (1 and a cleared record). It keeps a small hostile
+// file from making a reader claim gigabytes of zeroed records.
+class RecordBudget {
+public:
+    static constexpr std::size_t kBytes = std::size_t{32} << 20;
+    RecordBudget() noexcept;
+    ~RecordBudget();
+    RecordBudget(const RecordBudget&) = delete;
+    RecordBudget& operator=(const RecordBudget&) = delete;
+
+private:
+    std::size_t saved_;
+};
+
 // Fault injection for tests: after failAllocation(n), the n-th allocation
 // from now on fails (n <= 0: none does). allocations() counts the
 // allocations made since the last failAllocation call.

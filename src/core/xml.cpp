@@ -1,9 +1,13 @@
 #include "core/xml.h"
 
+#include <libxml/entities.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xmlmemory.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace kel {
 
@@ -19,14 +23,72 @@ QuietErrors::~QuietErrors() {
     xmlSetGenericErrorFunc(oldCtx_, oldFunc_);
 }
 
+namespace {
+
+// Takes from budget the text a node list holds with every entity reference
+// expanded (each node costing at least one byte); false once it runs out.
+// Entity references are left in the tree, and every read of an element's
+// text expands them again: this keeps a small file from standing for
+// gigabytes of text.
+bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
+    for (; n; n = n->next) {
+        if (budget == 0) return false;
+        --budget;
+        switch (n->type) {
+            case XML_TEXT_NODE:
+            case XML_CDATA_SECTION_NODE: {
+                std::size_t len = n->content ? std::strlen(reinterpret_cast<char*>(n->content)) : 0;
+                if (len > budget) return false;
+                budget -= len;
+                break;
+            }
+            case XML_ENTITY_REF_NODE: {
+                // The reference's child is the entity's declaration; its
+                // children are the entity's parsed content, when it has any.
+                const auto* entity = reinterpret_cast<const xmlEntity*>(n->children);
+                if (!entity) break;
+                if (depth > 64) return false;
+                if (entity->children) {
+                    if (!spend(entity->children, budget, depth + 1)) return false;
+                } else if (static_cast<std::size_t>(entity->length) > budget) {
+                    return false;
+                } else {
+                    budget -= static_cast<std::size_t>(entity->length);
+                }
+                break;
+            }
+            case XML_ELEMENT_NODE:
+                for (const xmlAttr* a = n->properties; a; a = a->next)
+                    if (!spend(a->children, budget, depth + 1)) return false;
+                if (!spend(n->children, budget, depth + 1)) return false;
+                break;
+            default:
+                break;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
 ReadDoc::ReadDoc(const char* path) noexcept {
     if (!path) return;
+    // Only regular files: a FIFO or a device would block or never end.
+    struct stat st;
+    if (stat(path, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
     QuietErrors quiet;
     // No network access and no messages; otherwise libxml2's defaults, so
-    // whitespace between elements stays in the tree as text nodes.
+    // whitespace between elements stays in the tree as text nodes, and
+    // neither a DTD nor an external entity is ever loaded.
     doc_.reset(
         xmlReadFile(path, nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (doc_) root_ = xmlDocGetRootElement(doc_.get());
+    if (!doc_) return;
+    std::size_t budget = static_cast<std::size_t>(st.st_size) + kMaxExpansion;
+    if (!spend(doc_->children, budget, 0)) {
+        doc_.reset();
+        return;
+    }
+    root_ = xmlDocGetRootElement(doc_.get());
 }
 
 int32_t ReadDoc::finish() noexcept {
@@ -105,10 +167,47 @@ WriteDoc::WriteDoc(const char* rootName) noexcept : doc_(xmlNewDoc(BAD_CAST "1.0
     if (root_) xmlDocSetRootElement(doc_.get(), root_);
 }
 
+int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
+    if (!doc || !path || !*path) return 1;
+    // A link is written through: the file it names is the one replaced.
+    HeapPtr<char> resolved;
+    struct stat st;
+    if (lstat(path, &st) == 0 && S_ISLNK(st.st_mode)) {
+        resolved.reset(realpath(path, nullptr));
+        if (!resolved) return 1;
+        path = resolved.get();
+    }
+    mode_t mode;
+    if (stat(path, &st) == 0) {
+        if (!S_ISREG(st.st_mode)) return 1;
+        mode = st.st_mode & 07777;
+    } else {
+        mode_t mask = umask(0);
+        umask(mask);
+        mode = 0666 & ~mask;
+    }
+
+    std::size_t len = std::strlen(path);
+    HeapPtr<char> temp(static_cast<char*>(allocZeroed(len + 8, 1)));
+    if (!temp) return 1;
+    std::memcpy(temp.get(), path, len);
+    std::memcpy(temp.get() + len, ".XXXXXX", 8);
+    int fd = mkstemp(temp.get());
+    if (fd < 0) return 1;
+    bool ok = fchmod(fd, mode) == 0;
+    close(fd);
+    if (ok) {
+        QuietErrors quiet;
+        ok = xmlSaveFormatFileEnc(temp.get(), doc, "UTF-8", indent ? 1 : 0) != -1;
+    }
+    if (ok) ok = rename(temp.get(), path) == 0;
+    if (!ok) unlink(temp.get());
+    return ok ? 0 : 1;
+}
+
 int32_t WriteDoc::save(const char* path) noexcept {
-    if (!doc_ || !root_ || !path) return 1;
-    QuietErrors quiet;
-    return xmlSaveFormatFileEnc(path, doc_.get(), "UTF-8", 1) == -1 ? 1 : 0;
+    if (!root_) return 1;
+    return saveDoc(doc_.get(), path, true);
 }
 
 xmlNode* addElement(xmlNode* parent, const char* name) noexcept {

@@ -58,10 +58,15 @@ private:
 
 // ---- reading ---------------------------------------------------------------
 
-// A parsed file. Empty when the file is missing, unreadable or not well
-// formed, or when the document has no root element.
+// A parsed file. Empty when the file is missing, unreadable, not a regular
+// file, larger than kMaxFileSize or not well formed, when its text with
+// every entity reference expanded would exceed its own size by more than
+// kMaxExpansion, or when the document has no root element. While it lives,
+// the records of the read may allocate at most RecordBudget::kBytes.
 class ReadDoc {
 public:
+    static constexpr long long kMaxFileSize = 64LL << 20;
+    static constexpr std::size_t kMaxExpansion = std::size_t{8} << 20;
     explicit ReadDoc(const char* path) noexcept;
     xmlNode* root() const noexcept { return root_; }
     explicit operator bool() const noexcept { return root_ != nullptr; }
@@ -70,6 +75,7 @@ public:
     int32_t finish() noexcept;
 
 private:
+    RecordBudget budget_;
     DocPtr doc_;
     xmlNode* root_ = nullptr;
 };
@@ -222,6 +228,14 @@ void writeAttrs(xmlNode* n, const R& record, Bindings table,
 }
 
 // ---- writing ---------------------------------------------------------------
+
+// Saves doc at path in UTF-8, indented or as parsed. The document goes to a
+// temporary file beside path, renamed over path only once the save
+// succeeded, so a failed save (a full disk, say) leaves the old file as it
+// was and no temporary file behind. The target keeps its permissions; a
+// new file gets 0666 less the umask; a link is written through. 0 saved, 1
+// not.
+int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept;
 
 // A document of version "1.0" under construction, with its root element.
 class WriteDoc {

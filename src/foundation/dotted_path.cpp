@@ -1,6 +1,8 @@
 // One value of any XML file, named by a dotted path below the root element:
 // Main.Name is the element Name inside the root's child Main. Values are
 // taken and given as libxml2 holds them (UTF-8); nothing is converted.
+#include <libxml/chvalid.h>
+#include <libxml/entities.h>
 #include <libxml/tree.h>
 
 #include <cstring>
@@ -70,14 +72,94 @@ int getXmlValue(const char* file, const char* path, char* out) {
     return doc.finish();
 }
 
+long getXmlValue(const char* file, const char* path, char* out, unsigned long size) {
+    if (out && size > 0) out[0] = 0;
+    kel::ReadDoc doc(file);
+    if (!doc) return -1;
+    long needed = 0;
+    if (xmlNode* target = find(doc.root(), path)) {
+        kel::XmlText value = kel::content(target);
+        std::size_t len = value ? std::strlen(value.get()) : 0;
+        if (out && size > 0) {
+            std::size_t n = kel::fitLength(value.get(), len, size - 1, kel::Enc::Utf8);
+            std::memcpy(out, value.get(), n);
+            out[n] = 0;
+        }
+        needed = static_cast<long>(len);
+    }
+    doc.finish();
+    return needed;
+}
+
+namespace {
+
+// Whether text starts a reference that XML gives a meaning to: a character
+// reference, a predefined entity, or an entity the document declares.
+bool startsReference(xmlDoc* doc, const char* text) noexcept {
+    const char* semi = std::strchr(text + 1, ';');
+    if (!semi || semi == text + 1) return false;
+    std::size_t len = static_cast<std::size_t>(semi - text - 1);
+    const char* name = text + 1;
+    if (name[0] == '#') {
+        bool hex = len > 1 && name[1] == 'x';
+        std::size_t first = hex ? 2 : 1;
+        if (len == first || len > 12) return false;
+        unsigned long code = 0;
+        for (std::size_t i = first; i < len; ++i) {
+            char c = name[i];
+            int digit = c >= '0' && c <= '9'          ? c - '0'
+                        : hex && c >= 'a' && c <= 'f' ? c - 'a' + 10
+                        : hex && c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                      : -1;
+            if (digit < 0) return false;
+            code = code * (hex ? 16 : 10) + static_cast<unsigned long>(digit);
+            if (code > 0x10FFFF) return false;
+        }
+        return xmlIsChar(static_cast<unsigned int>(code));
+    }
+    char entity[64];
+    if (len >= sizeof entity) return false;
+    std::memcpy(entity, name, len);
+    entity[len] = 0;
+    if (xmlValidateName(reinterpret_cast<const xmlChar*>(entity), 0) != 0) return false;
+    return xmlGetDocEntity(doc, reinterpret_cast<const xmlChar*>(entity)) != nullptr;
+}
+
+// value with every ampersand that starts no meaningful reference written as
+// "&amp;", so that the text set is the text meant and the file stays
+// readable.
+kel::HeapPtr<char> literalAmpersands(xmlDoc* doc, const char* value) noexcept {
+    std::size_t len = std::strlen(value);
+    std::size_t extra = 0;
+    for (const char* p = value; (p = std::strchr(p, '&')); ++p)
+        if (!startsReference(doc, p)) extra += 4;
+    kel::HeapPtr<char> out(static_cast<char*>(kel::allocZeroed(len + extra + 1, 1)));
+    if (!out) return out;
+    char* w = out.get();
+    for (const char* p = value; *p; ++p) {
+        *w++ = *p;
+        if (*p == '&' && !startsReference(doc, p)) {
+            std::memcpy(w, "amp;", 4);
+            w += 4;
+        }
+    }
+    *w = 0;
+    return out;
+}
+
+}  // namespace
+
 int setXmlValue(const char* file, const char* path, const char* value) {
-    kel::QuietErrors quiet;
     kel::ReadDoc doc(file);
     if (!doc) return 1;
-    if (xmlNode* target = find(doc.root(), path))
-        xmlNodeSetContent(target, reinterpret_cast<const xmlChar*>(value));
+    xmlDoc* tree = doc.root()->doc;
+    if (xmlNode* target = find(doc.root(), path)) {
+        kel::HeapPtr<char> text = literalAmpersands(tree, value ? value : "");
+        if (!text) return 1;
+        xmlNodeSetContent(target, reinterpret_cast<const xmlChar*>(text.get()));
+    }
     // Rewritten as parsed, without indentation, whether or not anything
-    // changed; a save that fails is not reported.
-    xmlSaveFileEnc(file, doc.root()->doc, "UTF-8");
+    // changed.
+    if (kel::saveDoc(tree, file, false) != 0) return 1;
     return doc.finish();
 }
