@@ -1,5 +1,6 @@
 // Conversion profiles: the type tables, reading, the record's lifecycle,
 // writing and the merge.
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -127,13 +128,17 @@ TEST_F(ProfileFile, LanguageSlotsComeFromTheFirstTagAnywhereInTheDocument) {
 }
 
 TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
-    std::string many, first20;
+    std::string many;
+    std::vector<std::string> first20;
     for (int i = 0; i < 25; ++i) many += std::to_string(i) + ",";
-    for (int i = 0; i < 20; ++i) first20 += (i ? "|" : "") + std::to_string(i);
-    // The values of each item joined with "|", and their number.
-    std::pair<std::string, std::string> cases[] = {
-        {"a,b,c", "3 a|b|c"}, {"a,b,", "2 a|b"}, {"a,,b", "3 a||b"},     {",a", "2 |a"},
-        {",", "1 "},          {"", "0 "},        {many, "20 " + first20}};
+    for (int i = 0; i < 20; ++i) first20.push_back(std::to_string(i));
+    const std::pair<std::string, std::vector<std::string>> cases[] = {{"a,b,c", {"a", "b", "c"}},
+                                                                      {"a,b,", {"a", "b"}},
+                                                                      {"a,,b", {"a", "", "b"}},
+                                                                      {",a", {"", "a"}},
+                                                                      {",", {""}},
+                                                                      {"", {}},
+                                                                      {many, first20}};
     std::string xml = "<P><Config>";
     for (const auto& c : cases)
         xml += "<ConfigItem><ListValue>" + c.first + "</ListValue></ConfigItem>";
@@ -144,16 +149,20 @@ TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
     ASSERT_EQ(record->configItemCount, 10);
     for (int k = 0; k < 8; ++k) {
         const ConfigItem& item = record->configItems[k];
-        std::string values = std::to_string(item.listEntryCount) + " ";
-        for (int j = 0; j < item.listEntryCount; ++j)
-            values += (j ? "|" : "") + std::string(item.listEntries[j].value);
-        EXPECT_EQ(values, k < 7 ? cases[k].second : "0 ") << "item " << k;
-        EXPECT_EQ(std::string(item.name) + item.group + std::to_string(item.readyOnly), "0");
+        const std::vector<std::string> values =
+            k < 7 ? cases[k].second : std::vector<std::string>{};  // <ConfigItem/>
+        EXPECT_EQ(item.listEntryCount, static_cast<int32_t>(values.size())) << "item " << k;
+        for (int j = 0; j < std::min<int>(item.listEntryCount, values.size()); ++j)
+            EXPECT_EQ(item.listEntries[j].value, values[j]) << "item " << k << " entry " << j;
+        EXPECT_STREQ(item.name, "");
+        EXPECT_STREQ(item.group, "");
+        EXPECT_EQ(item.readyOnly, 0);
     }
-    for (int k : {8, 9})  // a number for display type list only
-        EXPECT_EQ(std::to_string(record->configItems[k].defaultInt) + "|" +
-                      record->configItems[k].defaultValue,
-                  k == 8 ? "3|" : "0|3");
+    // A number for display type list only.
+    EXPECT_EQ(record->configItems[8].defaultInt, 3);
+    EXPECT_STREQ(record->configItems[8].defaultValue, "");
+    EXPECT_EQ(record->configItems[9].defaultInt, 0);
+    EXPECT_STREQ(record->configItems[9].defaultValue, "3");
 }
 
 TEST_F(ProfileFile, OverlongAndOverfullInputStaysWithinTheRecord) {
