@@ -1,7 +1,5 @@
 // DVD menu templates, the spumux file of a menu page, the dvdauthor file of a
 // disc, and kelprofile's DVD family and dvd command.
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -254,26 +252,18 @@ TEST(Dvdauthor, StaysWithinPagesTitlesAndMenuFolder) {
         std::string::npos);
 }
 
-// Runs kelprofile with args; its exit status, and what it printed in out.
-int tool(const std::string& args, std::string* out = nullptr) {
-    TempDir dir;
-    std::string command = KELPROFILE_TOOL " " + args + " >" + dir.file("out") + " 2>&1";
-    int status = std::system(command.c_str());
-    if (out) *out = readFile(dir.file("out"));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(Tool, ShowsTemplatesAndWritesTheControlFilesOfADisc) {
     const std::string example = KELPROFILE_SOURCE_DIR "/examples/dvd/film-strip.xml";
     std::string shown;
-    EXPECT_EQ(tool("show " + example, &shown), 0);
+    EXPECT_EQ(runTool("show " + example, &shown), 0);
     EXPECT_NE(shown.find("navbtnBroadband 2:\n  imgName: btn-play-wide.png\n"), std::string::npos)
         << shown;
 
     TempDir dir;
     const std::string out = dir.file("out"), page2 = out + "/menu_01_02";
     EXPECT_EQ(
-        tool("dvd --broadband " + example + " " + out + " /v/1 /v/2 /v/3 /v/4 /v/5 /v/6 /v/7"), 0);
+        runTool("dvd --broadband " + example + " " + out + " /v/1 /v/2 /v/3 /v/4 /v/5 /v/6 /v/7"),
+        0);
     // Six titles a page, one per frame; page 2 has title 7, previous and play;
     // page 1's button 7 is next.
     EXPECT_EQ(
@@ -289,8 +279,8 @@ TEST(Tool, ShowsTemplatesAndWritesTheControlFilesOfADisc) {
               std::string::npos);
 
     writeFile(dir.file("bare.xml"), "<r><bgImageName>b.png</bgImageName></r>");
-    EXPECT_EQ(tool("dvd " + dir.file("bare.xml") + " " + out + " /v/1"), 1);
-    EXPECT_EQ(tool("dvd " + example + " " + out), 2);
+    EXPECT_EQ(runTool("dvd " + dir.file("bare.xml") + " " + out + " /v/1"), 1);
+    EXPECT_EQ(runTool("dvd " + example + " " + out), 2);
 }
 
 }  // namespace

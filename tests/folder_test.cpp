@@ -1,6 +1,4 @@
 // Scanning folders for XML files and loading them into blocks of records.
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <set>
@@ -108,15 +106,13 @@ TEST(FolderLoaders, ReadEveryFileInOrderLeavingNoGapForOneThatFails) {
 TEST(Tool, CheckReportsWhatTheFolderLoadersReadOrThatTheyWouldEndTheHost) {
     TempDir dir;
     writeFile(dir.file("sub/a.xml"), anyKind("a"));
-    const std::string out = dir.file("out"),
-                      command = KELPROFILE_TOOL " check " + dir.file("sub") + " >" + out + " 2>&1";
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
-    EXPECT_NE(readFile(out).find("praseXMLFolder 1, praseDVDXMLFolder 1, praseOPtionXMLFolder 1"),
-              npos)
-        << readFile(out);
+    std::string out;
+    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 0);
+    EXPECT_NE(out.find("praseXMLFolder 1, praseDVDXMLFolder 1, praseOPtionXMLFolder 1"), npos)
+        << out;
     fs::create_symlink(dir.file("gone"), dir.file("sub/dangling"));
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
-    EXPECT_NE(readFile(out).find("stat(): No such file"), npos) << readFile(out);
+    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 1);
+    EXPECT_NE(out.find("stat(): No such file"), npos) << out;
 }
 
 }  // namespace

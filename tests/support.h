@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -44,6 +45,16 @@ inline std::string readFile(const std::string& path) {
     std::ostringstream out;
     out << in.rdbuf();
     return out.str();
+}
+
+// Runs kelprofile with args through the shell; its exit status, and in out
+// what it printed. args may carry redirections of its own (2>/dev/null).
+inline int runTool(const std::string& args, std::string* out = nullptr) {
+    TempDir dir;
+    std::string command = ">" + dir.file("out") + " 2>&1 " KELPROFILE_TOOL " " + args;
+    int status = std::system(command.c_str());
+    if (out) *out = readFile(dir.file("out"));
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 // The XML declaration every writer starts its files with.

@@ -1,6 +1,4 @@
 // Single values of any file by dotted path, and kelprofile get and set.
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -62,19 +60,15 @@ TEST(Values, SetRewritesTheFileUnformattedEvenWhenNothingMatches) {
 
 TEST(Tool, GetsAndSetsValuesAndSaysWhenThereIsNone) {
     TempDir dir;
-    std::string file = dir.file("f.xml"), out = dir.file("out");
+    std::string file = dir.file("f.xml"), out;
     writeFile(file, "<r><Main><Name>Video</Name></Main></r>");
-    auto tool = [&](const std::string& args) {
-        return WEXITSTATUS(
-            std::system((KELPROFILE_TOOL " " + args + " >" + out + " 2>/dev/null").c_str()));
-    };
-    EXPECT_EQ(tool("set " + file + " Main.Name 'A & B'"), 0);
-    EXPECT_EQ(tool("get " + file + " Main.Name"), 0);
-    EXPECT_EQ(readFile(out), "A & B\n");
+    EXPECT_EQ(runTool("set " + file + " Main.Name 'A & B'"), 0);
+    EXPECT_EQ(runTool("get " + file + " Main.Name 2>/dev/null", &out), 0);
+    EXPECT_EQ(out, "A & B\n");
     std::string before = readFile(file);
-    EXPECT_EQ(tool("set " + file + " Main.Nope x"), 1);
+    EXPECT_EQ(runTool("set " + file + " Main.Nope x"), 1);
     EXPECT_EQ(readFile(file), before);
-    EXPECT_EQ(tool("set " + file + " Main.Name"), 2);
+    EXPECT_EQ(runTool("set " + file + " Main.Name"), 2);
 }
 
 }  // namespace
