@@ -71,8 +71,7 @@ const std::string kProfile = std::string(kDecl) + R"(<Profiles>
 class ProfileFile : public ::testing::Test {
 protected:
     std::string write(const std::string& xml, const std::string& name = "sub/p.xml") {
-        writeFile(dir.file(name), xml);
-        return dir.file(name);
+        return writeFile(dir.file(name), xml);
     }
     std::string saved(const Profile& p) {
         EXPECT_EQ(saveXmlFile(dir.file("out.xml").c_str(), &p), 0);

@@ -35,9 +35,11 @@ private:
     fs::path path_;
 };
 
-inline void writeFile(const std::string& path, const std::string& text) {
+// Writes text to path, making its folders; path, for the reader to take.
+inline std::string writeFile(const std::string& path, const std::string& text) {
     fs::create_directories(fs::path(path).parent_path());
     std::ofstream(path, std::ios::binary) << text;
+    return path;
 }
 
 inline std::string readFile(const std::string& path) {

@@ -14,11 +14,7 @@ const std::string kEmoji = "\xF0\x9F\x98\x80";  // U+1F600, which GBK lacks
 
 class TempOptionFile : public ::testing::Test {
 protected:
-    std::string write(const std::string& xml) {
-        std::string path = dir.file("options.xml");
-        writeFile(path, xml);
-        return path;
-    }
+    std::string write(const std::string& xml) { return writeFile(dir.file("options.xml"), xml); }
     TempDir dir;
     Options record;
 };
