@@ -1,6 +1,4 @@
 // Scanning folders for XML files and loading them into blocks of records.
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <set>
@@ -79,52 +77,42 @@ std::string anyKind(const char* text) {
            "</thumbnailName><optionItem name=\"profileName\">" + text + "</optionItem></r>";
 }
 
-// The records of a load, released by release when the test ends.
-template <class Record>
-struct Loaded {
-    RecordArray result{nullptr, -1};
-    void (*release)(Record*);
-    Loaded(int (*load)(const char*, RecordArray*), const std::string& folder, void (*r)(Record*))
-        : release(r) {
-        EXPECT_EQ(load(folder.c_str(), &result), 0);
-    }
-    ~Loaded() {
-        for (int i = 0; i < result.count; ++i) release(&(*this)[i]);
-        std::free(result.records);
-    }
-    Record& operator[](int i) { return static_cast<Record*>(result.records)[i]; }
-};
+// The records of each loader, released when the test ends.
+using Profiles = Owned<Zeroed<RecordArray, releaseBlock<Profile, freeProfile>>, praseXMLFolder>;
+using Menus = Owned<Zeroed<RecordArray, releaseBlock<DVDMenu>>, praseDVDXMLFolder>;
+using Options =
+    Owned<Zeroed<RecordArray, releaseBlock<TempOption, freeTempItems>>, praseOPtionXMLFolder>;
 
 TEST(FolderLoaders, ReadEveryFileInOrderLeavingNoGapForOneThatFails) {
     TempDir dir;
     writeFile(dir.file("a.xml"), anyKind("first"));
     writeFile(dir.file("sub/b.xml"), "<r><Main>");
     writeFile(dir.file("sub/sub/c.XML"), anyKind("third"));
-    Loaded<Profile> profiles(praseXMLFolder, dir.path(), freeProfile);
-    Loaded<DVDMenu> menus(praseDVDXMLFolder, dir.path(), [](DVDMenu*) {});
-    auto freeItems = [](TempOption* t) { std::free(t->tempItems); };
-    Loaded<TempOption> options(praseOPtionXMLFolder, dir.path(), freeItems);
-    for (int count : {profiles.result.count, menus.result.count, options.result.count})
-        ASSERT_EQ(count, 2);
-    EXPECT_STREQ(profiles[0].name, "first");
-    EXPECT_STREQ(profiles[1].fileName, "c.XML");
-    EXPECT_STREQ(menus[1].thumbnailName, "third");
-    EXPECT_STREQ(options[1].profileName, "third");
-    EXPECT_EQ(Loaded<TempOption>(praseOPtionXMLFolder, dir.file("no"), freeItems).result.count, 0);
+    Profiles profiles;
+    Menus menus;
+    Options options, none;
+    for (int result : {profiles.read(dir.path()), menus.read(dir.path()), options.read(dir.path())})
+        ASSERT_EQ(result, 0);
+    for (int count : {profiles->count, menus->count, options->count}) ASSERT_EQ(count, 2);
+    EXPECT_STREQ(itemOf<Profile>(*profiles, 0).name, "first");
+    EXPECT_STREQ(itemOf<Profile>(*profiles, 1).fileName, "c.XML");
+    EXPECT_STREQ(itemOf<DVDMenu>(*menus, 1).thumbnailName, "third");
+    EXPECT_STREQ(itemOf<TempOption>(*options, 1).profileName, "third");
+    none->count = -1;
+    EXPECT_EQ(none.read(dir.file("no")), 0);
+    EXPECT_EQ(none->count, 0);
 }
 
 TEST(Tool, CheckReportsWhatTheFolderLoadersReadOrThatTheyWouldEndTheHost) {
     TempDir dir;
     writeFile(dir.file("sub/a.xml"), anyKind("a"));
-    const std::string out = dir.file("out"),
-                      command = KELPROFILE_TOOL " check " + dir.file("sub") + " >" + out + " 2>&1";
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 0);
-    EXPECT_NE(readFile(out).find("praseXMLFolder 1, praseDVDXMLFolder 1, praseOPtionXMLFolder 1"),
-              npos)
-        << readFile(out);
+    std::string out;
+    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 0);
+    EXPECT_NE(out.find("praseXMLFolder 1, praseDVDXMLFolder 1, praseOPtionXMLFolder 1"), npos)
+        << out;
     fs::create_symlink(dir.file("gone"), dir.file("sub/dangling"));
-    EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 1);
-    EXPECT_NE(readFile(out).find("stat(): No such file"), npos) << readFile(out);
+    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 1);
+    EXPECT_NE(out.find("stat(): No such file"), npos) << out;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Conversion profiles: the type tables, reading, the record's lifecycle,
 // writing and the merge.
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -12,15 +13,7 @@
 
 namespace {
 
-// A profile that releases what it owns when the test ends.
-struct Record : Profile {
-    Record() { std::memset(static_cast<Profile*>(this), 0, sizeof(Profile)); }
-    ~Record() { freeProfile(this); }
-    int read(const std::string& path) {
-        freeProfile(this);
-        return praseXmlFile(path.c_str(), this);
-    }
-};
+using Record = Owned<Zeroed<Profile, freeProfile>, praseXmlFile>;
 
 // text with every occurrence of each first string replaced by the second.
 std::string edited(std::string text,
@@ -78,8 +71,7 @@ const std::string kProfile = std::string(kDecl) + R"(<Profiles>
 class ProfileFile : public ::testing::Test {
 protected:
     std::string write(const std::string& xml, const std::string& name = "sub/p.xml") {
-        writeFile(dir.file(name), xml);
-        return dir.file(name);
+        return writeFile(dir.file(name), xml);
     }
     std::string saved(const Profile& p) {
         EXPECT_EQ(saveXmlFile(dir.file("out.xml").c_str(), &p), 0);
@@ -119,29 +111,33 @@ TEST_F(ProfileFile, LanguageSlotsComeFromTheFirstTagAnywhereInTheDocument) {
 <Label lang="en">L</Label><ListValue>1</ListValue></ConfigItem></Config>
 <Main><DisplayName lang="de">later</DisplayName><Desc lang="DE"/><Desc lang=""/></Main></P>)")),
               0);
-    ASSERT_EQ(record.langCount, 4) << "the empty Label registers no language";
+    ASSERT_EQ(record->langCount, 4) << "the empty Label registers no language";
     const char* names[] = {"de", "en", "DE", ""};
-    for (int s = 0; s < 4; ++s) EXPECT_STREQ(record.langNames[s], names[s]);
-    EXPECT_STREQ(record.displayName[0], "later");
-    const ConfigItem& item = record.configItems[0];
+    for (int s = 0; s < 4; ++s) EXPECT_STREQ(record->langNames[s], names[s]);
+    EXPECT_STREQ(record->displayName[0], "later");
+    const ConfigItem& item = record->configItems[0];
     EXPECT_STREQ(item.label[1], "L");
     EXPECT_STREQ(item.listEntries[0].label[0], "a");
     EXPECT_EQ(item.listEntries[1].label[0], nullptr) << "no value, so the label is dropped";
 
     ASSERT_EQ(record.read(write("<P><Main><Desc>d</Desc></Main></P>")), 0);
-    EXPECT_EQ(record.langCount, 1);
-    EXPECT_EQ(record.langNames[0], nullptr);
-    EXPECT_STREQ(record.desc[0], "d");
+    EXPECT_EQ(record->langCount, 1);
+    EXPECT_EQ(record->langNames[0], nullptr);
+    EXPECT_STREQ(record->desc[0], "d");
 }
 
 TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
-    std::string many, first20;
+    std::string many;
+    std::vector<std::string> first20;
     for (int i = 0; i < 25; ++i) many += std::to_string(i) + ",";
-    for (int i = 0; i < 20; ++i) first20 += (i ? "|" : "") + std::to_string(i);
-    // The values of each item joined with "|", and their number.
-    std::pair<std::string, std::string> cases[] = {
-        {"a,b,c", "3 a|b|c"}, {"a,b,", "2 a|b"}, {"a,,b", "3 a||b"},     {",a", "2 |a"},
-        {",", "1 "},          {"", "0 "},        {many, "20 " + first20}};
+    for (int i = 0; i < 20; ++i) first20.push_back(std::to_string(i));
+    const std::pair<std::string, std::vector<std::string>> cases[] = {{"a,b,c", {"a", "b", "c"}},
+                                                                      {"a,b,", {"a", "b"}},
+                                                                      {"a,,b", {"a", "", "b"}},
+                                                                      {",a", {"", "a"}},
+                                                                      {",", {""}},
+                                                                      {"", {}},
+                                                                      {many, first20}};
     std::string xml = "<P><Config>";
     for (const auto& c : cases)
         xml += "<ConfigItem><ListValue>" + c.first + "</ListValue></ConfigItem>";
@@ -149,19 +145,23 @@ TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
         R"(<ConfigItem/><ConfigItem displayType="list"><DefaultValue>3</DefaultValue></ConfigItem>
 <ConfigItem displayType="input"><DefaultValue>3</DefaultValue></ConfigItem></Config></P>)";
     ASSERT_EQ(record.read(write(xml)), 0);
-    ASSERT_EQ(record.configItemCount, 10);
+    ASSERT_EQ(record->configItemCount, 10);
     for (int k = 0; k < 8; ++k) {
-        const ConfigItem& item = record.configItems[k];
-        std::string values = std::to_string(item.listEntryCount) + " ";
-        for (int j = 0; j < item.listEntryCount; ++j)
-            values += (j ? "|" : "") + std::string(item.listEntries[j].value);
-        EXPECT_EQ(values, k < 7 ? cases[k].second : "0 ") << "item " << k;
-        EXPECT_EQ(std::string(item.name) + item.group + std::to_string(item.readyOnly), "0");
+        const ConfigItem& item = record->configItems[k];
+        const std::vector<std::string> values =
+            k < 7 ? cases[k].second : std::vector<std::string>{};  // <ConfigItem/>
+        EXPECT_EQ(item.listEntryCount, static_cast<int32_t>(values.size())) << "item " << k;
+        for (int j = 0; j < std::min<int>(item.listEntryCount, values.size()); ++j)
+            EXPECT_EQ(item.listEntries[j].value, values[j]) << "item " << k << " entry " << j;
+        EXPECT_STREQ(item.name, "");
+        EXPECT_STREQ(item.group, "");
+        EXPECT_EQ(item.readyOnly, 0);
     }
-    for (int k : {8, 9})  // a number for display type list only
-        EXPECT_EQ(std::to_string(record.configItems[k].defaultInt) + "|" +
-                      record.configItems[k].defaultValue,
-                  k == 8 ? "3|" : "0|3");
+    // A number for display type list only.
+    EXPECT_EQ(record->configItems[8].defaultInt, 3);
+    EXPECT_STREQ(record->configItems[8].defaultValue, "");
+    EXPECT_EQ(record->configItems[9].defaultInt, 0);
+    EXPECT_STREQ(record->configItems[9].defaultValue, "3");
 }
 
 TEST_F(ProfileFile, OverlongAndOverfullInputStaysWithinTheRecord) {
@@ -173,11 +173,11 @@ TEST_F(ProfileFile, OverlongAndOverfullInputStaysWithinTheRecord) {
            std::string(600, 'v') + R"(</ListValue><ListItem lang="l11">dropped,x</ListItem>
 <ListItem>kept,dropped</ListItem></ConfigItem></Config></P>)";
     ASSERT_EQ(record.read(write(xml)), 0);
-    EXPECT_EQ(std::strlen(record.name), 510u) << "255 whole characters";
-    EXPECT_EQ(record.langCount, 10);
-    EXPECT_STREQ(record.langNames[9], "l9");
-    ASSERT_EQ(record.configItemCount, 1) << "the later Config replaces the earlier";
-    const ConfigItem& item = record.configItems[0];
+    EXPECT_EQ(std::strlen(record->name), 510u) << "255 whole characters";
+    EXPECT_EQ(record->langCount, 10);
+    EXPECT_STREQ(record->langNames[9], "l9");
+    ASSERT_EQ(record->configItemCount, 1) << "the later Config replaces the earlier";
+    const ConfigItem& item = record->configItems[0];
     EXPECT_EQ(std::strlen(item.listEntries[0].value), 511u);
     EXPECT_STREQ(item.listEntries[0].label[0], "kept");
     EXPECT_EQ(item.listEntries[1].label[0], nullptr);
@@ -188,14 +188,14 @@ TEST_F(ProfileFile, AFailedReadLeavesOnlyTheFileName) {
     for (const char* text : {"", "<P><Main>"}) {  // missing, then not well formed
         if (*text) write(text, "sub/none.xml");
         EXPECT_EQ(record.read(dir.file("sub/none.xml")), 1);
-        EXPECT_STREQ(record.fileName, "none.xml");
-        EXPECT_EQ(std::memcmp(record.name, zero.name, sizeof zero - sizeof zero.fileName), 0);
+        EXPECT_STREQ(record->fileName, "none.xml");
+        EXPECT_EQ(std::memcmp(record->name, zero.name, sizeof zero - sizeof zero.fileName), 0);
     }
     write("<P/>");
     fs::path cwd = fs::current_path();
     fs::current_path(dir.path() / "sub");
     EXPECT_EQ(record.read("p.xml"), 0);
-    EXPECT_STREQ(record.fileName, "") << "a path without a folder";
+    EXPECT_STREQ(record->fileName, "") << "a path without a folder";
     fs::current_path(cwd);
 }
 
@@ -203,34 +203,34 @@ TEST_F(ProfileFile, AFailedReadLeavesOnlyTheFileName) {
 // other field): the encoding of each field, the owner pointers, the copy.
 TEST_F(ProfileFile, ReadsElementTextAsGbkAndCopiesDeeply) {
     ASSERT_EQ(record.read(write(kProfile)), 0);
-    EXPECT_STREQ(record.fileName, "p.xml");
-    EXPECT_EQ(record.name, "HD " + std::string(kGbkZhongwen));
-    const ConfigItem& size = record.configItems[0];
+    EXPECT_STREQ(record->fileName, "p.xml");
+    EXPECT_EQ(record->name, "HD " + std::string(kGbkZhongwen));
+    const ConfigItem& size = record->configItems[0];
     EXPECT_STREQ(size.name, kUtf8Zhongwen) << "attributes are not converted";
     EXPECT_STREQ(size.listEntries[1].label[1], "\xD6\xD0");
     EXPECT_EQ(size.listEntries[1].owner, &size);
-    EXPECT_EQ(size.owner, &record);
+    EXPECT_EQ(size.owner, record.get());
 
     char notOwned[] = "beyond langCount";
-    record.displayName[2] = notOwned;  // neither copied nor released
+    record->displayName[2] = notOwned;  // neither copied nor released
     Record copy;
-    copyProfile(&copy, &record);
-    freeProfile(&record);
-    std::memset(static_cast<Profile*>(&record), 0, sizeof(Profile));
-    EXPECT_EQ(copy.displayName[2], nullptr);
-    EXPECT_EQ(copy.desc[0], nullptr) << "empty texts become null";
-    for (int k = 0; k < copy.configItemCount; ++k) {
-        EXPECT_EQ(copy.configItems[k].owner, &copy);
-        for (int j = 0; j < copy.configItems[k].listEntryCount; ++j)
-            EXPECT_EQ(copy.configItems[k].listEntries[j].owner, &copy.configItems[k]);
+    copyProfile(copy.get(), record.get());
+    freeProfile(record.get());
+    std::memset(record.get(), 0, sizeof(Profile));
+    EXPECT_EQ(copy->displayName[2], nullptr);
+    EXPECT_EQ(copy->desc[0], nullptr) << "empty texts become null";
+    for (int k = 0; k < copy->configItemCount; ++k) {
+        EXPECT_EQ(copy->configItems[k].owner, copy.get());
+        for (int j = 0; j < copy->configItems[k].listEntryCount; ++j)
+            EXPECT_EQ(copy->configItems[k].listEntries[j].owner, &copy->configItems[k]);
     }
-    EXPECT_EQ(saved(copy), edited(kProfile, {{"    <Desc lang=\"en\"></Desc>\n", ""},
-                                             {"small,,large", "small,large"}}));
+    EXPECT_EQ(saved(*copy), edited(kProfile, {{"    <Desc lang=\"en\"></Desc>\n", ""},
+                                              {"small,,large", "small,large"}}));
 }
 
 TEST(ProfileRecord, ReleaseTakesOddCountsSafely) {
     Record cleared;
-    freeProfile(&cleared);
+    freeProfile(cleared.get());
     Profile odd{};
     odd.langCount = 50;
     odd.langNames[9] = strdup("x");
@@ -243,34 +243,34 @@ TEST(ProfileRecord, ReleaseTakesOddCountsSafely) {
 
 TEST_F(ProfileFile, WritesWhatItReadsAndTheCasesAReadCannotProduce) {
     ASSERT_EQ(record.read(write(kProfile)), 0);
-    EXPECT_EQ(saved(record), kProfile);
+    EXPECT_EQ(saved(*record), kProfile);
 
     // One language is written untagged; an empty Config stays.
-    record.langCount = 1;  // slot 1 is neither written nor released
-    int32_t items = std::exchange(record.configItemCount, 0);
+    record->langCount = 1;  // slot 1 is neither written nor released
+    int32_t items = std::exchange(record->configItemCount, 0);
     std::string head = kProfile.substr(0, kProfile.find("  <Config>"));
-    EXPECT_EQ(saved(record), edited(head + "  <Config/>\n</Profiles>\n",
-                                    {{" lang=\"en\"", ""},
-                                     {"    <DisplayName lang=\"zh\">中文</DisplayName>\n", ""}}));
-    record.langCount = 2;
-    record.configItemCount = items;
-    EXPECT_EQ(saveXmlFile(dir.file("missing/p.xml").c_str(), &record), 1);
-    EXPECT_EQ(megXmlFile(dir.file("missing/p.xml").c_str(), &record, &record), 1);
+    EXPECT_EQ(saved(*record), edited(head + "  <Config/>\n</Profiles>\n",
+                                     {{" lang=\"en\"", ""},
+                                      {"    <DisplayName lang=\"zh\">中文</DisplayName>\n", ""}}));
+    record->langCount = 2;
+    record->configItemCount = items;
+    EXPECT_EQ(saveXmlFile(dir.file("missing/p.xml").c_str(), record.get()), 1);
+    EXPECT_EQ(megXmlFile(dir.file("missing/p.xml").c_str(), record.get(), record.get()), 1);
 
-    ConfigItem& size = record.configItems[0];
-    ConfigItem& bitrate = record.configItems[1];
-    replaceText(record.langNames[1], nullptr);
+    ConfigItem& size = record->configItems[0];
+    ConfigItem& bitrate = record->configItems[1];
+    replaceText(record->langNames[1], nullptr);
     replaceText(size.listEntries[1].label[0], nullptr);
     replaceText(size.listEntries[0].label[1], nullptr);
     size.displayType = 7;
     bitrate.valueType = -1;
-    std::strcpy(record.format, kUtf8Zhongwen);
-    std::strcpy(record.extName, kUtf8Zhongwen);
+    std::strcpy(record->format, kUtf8Zhongwen);
+    std::strcpy(record->extName, kUtf8Zhongwen);
     std::strcpy(bitrate.defaultValue, kUtf8Zhongwen);
     bitrate.listEntryCount = 4;
     for (int j = 0; j < 4; ++j) std::memset(bitrate.listEntries[j].value, 'v', 300);
     std::string v(300, 'v');
-    EXPECT_EQ(saved(record),
+    EXPECT_EQ(saved(*record),
               edited(kProfile, {{" lang=\"zh\"", ""},
                                 {"small,,large", "small,large"},
                                 {"小,中,大", ",中,大"},
@@ -287,7 +287,7 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
     // The settings: kProfile whose second item has the values 1 and 0.0
     // labelled p and q.
     ASSERT_EQ(record.read(write(kProfile)), 0);
-    ConfigItem& bitrate = record.configItems[1];
+    ConfigItem& bitrate = record->configItems[1];
     bitrate.listEntryCount = 2;
     std::strcpy(bitrate.listEntries[0].value, "1");
     std::strcpy(bitrate.listEntries[1].value, "0.0");
@@ -295,7 +295,7 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
     replaceText(bitrate.listEntries[1].label[0], "q");
     const std::pair<std::string, std::string> kNameUnconverted = {
         "HD 中文</Name>", std::string("HD ") + kGbkZhongwen + "</Name>"};
-    EXPECT_EQ(merged(record, record),
+    EXPECT_EQ(merged(*record, *record),
               edited(kProfile, {kNameUnconverted,
                                 {"<Desc lang=\"en\"></Desc>\n",
                                  "<Desc lang=\"en\"></Desc>\n    <Desc lang=\"zh\"></Desc>\n"},
@@ -312,9 +312,9 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
         read.read(write(R"(<P><Main><DisplayName lang="en">T</DisplayName><Desc lang="fr">F</Desc>
 </Main><Config><ConfigItem><Label lang="fr">Taille</Label></ConfigItem></Config></P>)")),
         0);
-    copyProfile(&texts, &read);
+    copyProfile(texts.get(), read.get());
     EXPECT_EQ(
-        merged(record, texts),
+        merged(*record, *texts),
         edited(kProfile,
                {kNameUnconverted,
                 {"<DisplayName lang=\"zh\">中文</DisplayName>\n    <Desc lang=\"en\"></Desc>\n",

@@ -1,13 +1,19 @@
-// Test helpers: a temporary folder per test, and whole-file reads and writes.
+// Test helpers: a temporary folder per test, whole-file reads and writes,
+// and records that give back what they own when the test ends.
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+
+#include "kelProfile.h"
 
 namespace fs = std::filesystem;
 
@@ -29,9 +35,11 @@ private:
     fs::path path_;
 };
 
-inline void writeFile(const std::string& path, const std::string& text) {
+// Writes text to path, making its folders; path, for the reader to take.
+inline std::string writeFile(const std::string& path, const std::string& text) {
     fs::create_directories(fs::path(path).parent_path());
     std::ofstream(path, std::ios::binary) << text;
+    return path;
 }
 
 inline std::string readFile(const std::string& path) {
@@ -41,9 +49,110 @@ inline std::string readFile(const std::string& path) {
     return out.str();
 }
 
+// Runs kelprofile with args through the shell; its exit status, and in out
+// what it printed. args may carry redirections of its own (2>/dev/null).
+inline int runTool(const std::string& args, std::string* out = nullptr) {
+    TempDir dir;
+    std::string command = ">" + dir.file("out") + " 2>&1 " KELPROFILE_TOOL " " + args;
+    int status = std::system(command.c_str());
+    if (out) *out = readFile(dir.file("out"));
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 // The XML declaration every writer starts its files with.
 inline const char* kDecl = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 // GBK bytes of the two characters 中文 ("Chinese"), and their UTF-8 form.
 inline const char* kGbkZhongwen = "\xD6\xD0\xCE\xC4";
 inline const char* kUtf8Zhongwen = "\xE4\xB8\xAD\xE6\x96\x87";
+
+// True when every byte of the record is zero, as a failed read leaves it.
+template <class Record>
+bool isCleared(const Record& record) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&record);
+    return std::all_of(bytes, bytes + sizeof record, [](unsigned char b) { return b == 0; });
+}
+
+// Owned<Holding, Read> holds one record of a family for the length of a test
+// and gives back what it owns at the end. Holding says where the record lives
+// and how it is given back; Read is the family's reader or folder loader, and
+// read(path) gives back what the record held before it reads again. A family
+// plugs in with one line, as the tests' own families do, or:
+//
+//   Owned<Zeroed<Customize, freeCustomize>, praseCustomizeXmlFile>
+//   Owned<Allocated<KELProject, createKELProject, freeKELProject>, openWebPlayerXmlFile>
+//   Owned<Allocated<GroupOPtion, createGroupOPtion, freeGroupOPtion>, praseOPtionXmlFile>
+//   Owned<Zeroed<RecordArray, releaseBlock<ProductInfo>>, praseProductXmlFile>
+
+// The release of a record that owns nothing.
+template <class Record>
+void releaseNothing(Record*) {}
+
+// A temporary option record owns one malloc block of items.
+inline void freeTempItems(TempOption* record) {
+    std::free(record->tempItems);
+}
+
+// A block of records side by side: each record released, then the block.
+template <class Item, void (*Release)(Item*) = releaseNothing<Item>>
+void releaseBlock(RecordArray* block) {
+    for (int32_t i = 0; i < block->count; ++i) Release(static_cast<Item*>(block->records) + i);
+    std::free(block->records);
+}
+
+// Record i of a block.
+template <class Item>
+Item& itemOf(const RecordArray& block, int i) {
+    return static_cast<Item*>(block.records)[i];
+}
+
+// A record the test holds itself, zeroed when made. Its release gives back
+// what it owns and leaves the stale fields: a reader must clear them itself.
+template <class R, void (*Release)(R*) = releaseNothing<R>>
+class Zeroed {
+public:
+    using Record = R;
+    Zeroed() { std::memset(&record_, 0, sizeof record_); }
+    Record* get() { return &record_; }
+    void release() { Release(&record_); }
+
+private:
+    Record record_;
+};
+
+// A record the library allocates with Create(&pointer) when it is first used,
+// and frees with Destroy(&pointer), which also nulls the pointer.
+template <class R, R* (*Create)(R**), void (*Destroy)(R**)>
+class Allocated {
+public:
+    using Record = R;
+    Record* get() { return record_ ? record_ : Create(&record_); }
+    void release() {
+        if (record_) Destroy(&record_);
+    }
+
+private:
+    Record* record_ = nullptr;
+};
+
+template <class Holding, int32_t (*Read)(const char*, typename Holding::Record*)>
+class Owned {
+public:
+    using Record = typename Holding::Record;
+    Owned() = default;
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    ~Owned() { held_.release(); }
+
+    Record* get() { return held_.get(); }
+    Record* operator->() { return get(); }
+    Record& operator*() { return *get(); }
+
+    int32_t read(const std::string& path) {
+        held_.release();
+        return Read(path.c_str(), get());
+    }
+
+private:
+    Holding held_;
+};

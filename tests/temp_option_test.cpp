@@ -8,28 +8,13 @@
 
 namespace {
 
-// A record that frees its items when the test ends.
-struct Options : TempOption {
-    Options() { std::memset(static_cast<TempOption*>(this), 0, sizeof(TempOption)); }
-    ~Options() { std::free(tempItems); }
-    int read(const std::string& path) {
-        std::free(tempItems);
-        return praseOptionXmlFile(path.c_str(), this);
-    }
-};
+using Options = Owned<Zeroed<TempOption, freeTempItems>, praseOptionXmlFile>;
 
-bool isCleared(const TempOption& r) {
-    static const TempOption zero{};
-    return std::memcmp(&r, &zero, sizeof r) == 0;
-}
+const std::string kEmoji = "\xF0\x9F\x98\x80";  // U+1F600, which GBK lacks
 
 class TempOptionFile : public ::testing::Test {
 protected:
-    std::string write(const std::string& xml) {
-        std::string path = dir.file("options.xml");
-        writeFile(path, xml);
-        return path;
-    }
+    std::string write(const std::string& xml) { return writeFile(dir.file("options.xml"), xml); }
     TempDir dir;
     Options record;
 };
@@ -44,16 +29,19 @@ TEST_F(TempOptionFile, ReadsItemsAndTheTwoSpecialNames) {
                              kUtf8Zhongwen + R"(</optionItem>
   <optionItem name="isSystem">1</optionItem>
   <optionItem>no name</optionItem>
+  <optionItem name="face">)" +
+                             kEmoji + R"(</optionItem>
 </tempOption>)");
     ASSERT_EQ(record.read(path), 0);
-    ASSERT_EQ(record.tempItemCount, 4);
-    EXPECT_STREQ(record.tempItems[0].name, "width");
-    EXPECT_STREQ(record.tempItems[0].value, "1280");
-    EXPECT_STREQ(record.tempItems[1].value, kGbkZhongwen);
-    EXPECT_STREQ(record.profileName, kGbkZhongwen);
-    EXPECT_EQ(record.isSystem, 1);
-    EXPECT_STREQ(record.tempItems[3].name, "");
-    EXPECT_STREQ(record.tempItems[3].value, "no name");
+    ASSERT_EQ(record->tempItemCount, 5);
+    EXPECT_STREQ(record->tempItems[0].name, "width");
+    EXPECT_STREQ(record->tempItems[0].value, "1280");
+    EXPECT_STREQ(record->tempItems[1].value, kGbkZhongwen);
+    EXPECT_STREQ(record->profileName, kGbkZhongwen);
+    EXPECT_EQ(record->isSystem, 1);
+    EXPECT_STREQ(record->tempItems[3].name, "");
+    EXPECT_STREQ(record->tempItems[3].value, "no name");
+    EXPECT_EQ(record->tempItems[4].value, kEmoji) << "text without a GBK form is kept as it is";
 }
 
 TEST_F(TempOptionFile, LastNonEmptyProfileNameAndLastIsSystemWin) {
@@ -66,24 +54,24 @@ TEST_F(TempOptionFile, LastNonEmptyProfileNameAndLastIsSystemWin) {
   <optionItem name="ProfileName">case matters</optionItem>
 </tempOption>)");
     ASSERT_EQ(record.read(path), 0);
-    EXPECT_STREQ(record.profileName, "second");
-    EXPECT_EQ(record.isSystem, 0);
+    EXPECT_STREQ(record->profileName, "second");
+    EXPECT_EQ(record->isSystem, 0);
 }
 
 TEST_F(TempOptionFile, UnreadableFilesGiveOneAndAClearedRecord) {
     const char* cases[] = {"", "<tempOption><optionItem>", "not xml at all",
                            "<?xml version=\"1.0\"?>"};
     for (const char* text : cases) {
-        record.tempItemCount = 99;
+        record->tempItemCount = 99;
         EXPECT_EQ(record.read(write(text)), 1) << text;
-        EXPECT_TRUE(isCleared(record)) << text;
+        EXPECT_TRUE(isCleared(*record)) << text;
     }
     EXPECT_EQ(record.read(dir.file("missing.xml")), 1);
-    EXPECT_TRUE(isCleared(record));
+    EXPECT_TRUE(isCleared(*record));
     // A root of any name without items reads, as no items.
     ASSERT_EQ(record.read(write("<anyRoot/>")), 0);
-    EXPECT_EQ(record.tempItemCount, 0);
-    EXPECT_STREQ(record.profileName, "");
+    EXPECT_EQ(record->tempItemCount, 0);
+    EXPECT_STREQ(record->profileName, "");
 }
 
 TEST_F(TempOptionFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
@@ -95,20 +83,12 @@ TEST_F(TempOptionFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
                              "</optionItem><optionItem name=\"profileName\">" + zh +
                              "</optionItem><optionItem name=\"after\">x</optionItem></tempOption>");
     ASSERT_EQ(record.read(path), 0);
-    ASSERT_EQ(record.tempItemCount, 3);
-    EXPECT_EQ(std::string(record.tempItems[0].name), std::string(255, 'n'));
-    EXPECT_EQ(std::strlen(record.tempItems[0].value), 254u) << "127 whole GBK characters";
-    EXPECT_EQ(std::memcmp(record.tempItems[0].value, kGbkZhongwen, 4), 0);
-    EXPECT_EQ(std::strlen(record.profileName), 254u) << "copied from the item's cut value";
-    EXPECT_STREQ(record.tempItems[2].name, "after");
-}
-
-TEST_F(TempOptionFile, TextThatDoesNotConvertIsKeptUnconverted) {
-    // U+1F600 has no GBK form.
-    std::string path =
-        write("<tempOption><optionItem name=\"face\">\xF0\x9F\x98\x80</optionItem></tempOption>");
-    ASSERT_EQ(record.read(path), 0);
-    EXPECT_STREQ(record.tempItems[0].value, "\xF0\x9F\x98\x80");
+    ASSERT_EQ(record->tempItemCount, 3);
+    EXPECT_EQ(std::string(record->tempItems[0].name), std::string(255, 'n'));
+    EXPECT_EQ(std::strlen(record->tempItems[0].value), 254u) << "127 whole GBK characters";
+    EXPECT_EQ(std::memcmp(record->tempItems[0].value, kGbkZhongwen, 4), 0);
+    EXPECT_EQ(std::strlen(record->profileName), 254u) << "copied from the item's cut value";
+    EXPECT_STREQ(record->tempItems[2].name, "after");
 }
 
 TEST_F(TempOptionFile, WritesItemsInOrderAndInvalidGbkAsEmptyItems) {
@@ -145,13 +125,13 @@ TEST_F(TempOptionFile, RoundTripKeepsEveryField) {
               "<optionItem name=\"bitrate\">-12</optionItem></tempOption>");
     ASSERT_EQ(record.read(path), 0);
     std::string copy = dir.file("copy.xml");
-    ASSERT_EQ(saveOptionXmlFile(copy.c_str(), &record), 0);
+    ASSERT_EQ(saveOptionXmlFile(copy.c_str(), record.get()), 0);
     Options again;
     ASSERT_EQ(again.read(copy), 0);
-    EXPECT_EQ(again.tempItemCount, record.tempItemCount);
-    EXPECT_EQ(again.isSystem, record.isSystem);
-    EXPECT_STREQ(again.profileName, record.profileName);
-    EXPECT_EQ(std::memcmp(again.tempItems, record.tempItems, sizeof(TempOptionItem) * 3), 0);
+    EXPECT_EQ(again->tempItemCount, record->tempItemCount);
+    EXPECT_EQ(again->isSystem, record->isSystem);
+    EXPECT_STREQ(again->profileName, record->profileName);
+    EXPECT_EQ(std::memcmp(again->tempItems, record->tempItems, sizeof(TempOptionItem) * 3), 0);
 }
 
 }  // namespace

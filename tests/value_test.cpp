@@ -1,6 +1,4 @@
 // Single values of any file by dotted path, and kelprofile get and set.
-#include <sys/wait.h>
-
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -20,8 +18,7 @@ const std::string kFile =
 
 TEST(Values, OneAndTwoComponentPathsReachTheFirstMatchingElement) {
     TempDir dir;
-    std::string file = dir.file("f.xml");
-    writeFile(file, kFile);
+    std::string file = writeFile(dir.file("f.xml"), kFile);
     // Paths that find the values below in turn, then paths that find nothing: the
     // first Main only, elements only, empty components count.
     const std::string paths[] = {
@@ -51,7 +48,7 @@ TEST(Values, SetRewritesTheFileUnformattedEvenWhenNothingMatches) {
         EXPECT_EQ(readFile(file), kDecl + expected + "\n") << path;
     }
     for (const char* bad : {"", "<Main>", static_cast<const char*>(nullptr)}) {  // null: missing
-        bad ? writeFile(file, bad) : void(fs::remove(file));
+        bad ? void(writeFile(file, bad)) : void(fs::remove(file));
         char buffer[16] = "untouched";
         EXPECT_EQ(getXmlValue(file.c_str(), "Main", buffer), 1);
         EXPECT_STREQ(buffer, "untouched");
@@ -62,19 +59,15 @@ TEST(Values, SetRewritesTheFileUnformattedEvenWhenNothingMatches) {
 
 TEST(Tool, GetsAndSetsValuesAndSaysWhenThereIsNone) {
     TempDir dir;
-    std::string file = dir.file("f.xml"), out = dir.file("out");
-    writeFile(file, "<r><Main><Name>Video</Name></Main></r>");
-    auto tool = [&](const std::string& args) {
-        return WEXITSTATUS(
-            std::system((KELPROFILE_TOOL " " + args + " >" + out + " 2>/dev/null").c_str()));
-    };
-    EXPECT_EQ(tool("set " + file + " Main.Name 'A & B'"), 0);
-    EXPECT_EQ(tool("get " + file + " Main.Name"), 0);
-    EXPECT_EQ(readFile(out), "A & B\n");
+    std::string file = writeFile(dir.file("f.xml"), "<r><Main><Name>Video</Name></Main></r>");
+    std::string out;
+    EXPECT_EQ(runTool("set " + file + " Main.Name 'A & B'"), 0);
+    EXPECT_EQ(runTool("get " + file + " Main.Name 2>/dev/null", &out), 0);
+    EXPECT_EQ(out, "A & B\n");
     std::string before = readFile(file);
-    EXPECT_EQ(tool("set " + file + " Main.Nope x"), 1);
+    EXPECT_EQ(runTool("set " + file + " Main.Nope x"), 1);
     EXPECT_EQ(readFile(file), before);
-    EXPECT_EQ(tool("set " + file + " Main.Name"), 2);
+    EXPECT_EQ(runTool("set " + file + " Main.Name"), 2);
 }
 
 }  // namespace
