@@ -21,8 +21,23 @@ protected:
     GroupOPtion* group = nullptr;
 };
 
+// One line per record: name, readyOnly, display and value type codes, then
+// the heap texts ("null" for none).
+std::string text(const char* t) {
+    return t ? t : "null";
+}
+std::string line(const OptionItem& i) {
+    return std::string(i.name) + " " + std::to_string(i.readyOnly) + " " +
+           std::to_string(i.displayType) + " " + text(i.description);
+}
+std::string line(const ChildOptionItem& c) {
+    return std::string(c.name) + " " + std::to_string(c.readyOnly) + " " +
+           std::to_string(c.displayType) + " " + std::to_string(c.valueType) + " " +
+           text(c.values) + " " + text(c.defaultValue) + " " + text(c.description);
+}
+
 TEST_F(OptionGroupFile, ReadsItemsAndChildItemsInFileOrder) {
-    std::string zh = kUtf8Zhongwen;
+    std::string zh = kUtf8Zhongwen, gbk = kGbkZhongwen;
     ASSERT_EQ(read(R"(<groupOption><childOptionItem name="stray"/>
   <optionItem name="video" readyOnly="1" displayType="list">
     <childOptionItem name="codec" readyOnly="1" displayType="chooseColor" valueType="double">
@@ -39,34 +54,13 @@ TEST_F(OptionGroupFile, ReadsItemsAndChildItemsInFileOrder) {
               0);
     ASSERT_EQ(group->optionItemCount, 3);
     const OptionItem* items = group->optionItems;
-    EXPECT_STREQ(items[0].name, "video");
-    EXPECT_EQ(items[0].readyOnly, 1);
-    EXPECT_EQ(items[0].displayType, 20);
-    EXPECT_STREQ(items[0].description, kGbkZhongwen);
+    EXPECT_EQ(line(items[0]), "video 1 20 " + gbk);
     ASSERT_EQ(items[0].childItemCount, 2);
-    const ChildOptionItem& codec = items[0].childItems[0];
-    EXPECT_STREQ(codec.name, "codec");
-    EXPECT_EQ(codec.readyOnly, 1);
-    EXPECT_EQ(codec.displayType, 24);
-    EXPECT_EQ(codec.valueType, 3);
-    EXPECT_STREQ(codec.values, "h264,hevc");
-    EXPECT_STREQ(codec.defaultValue, "h264");
-    EXPECT_STREQ(codec.description, kGbkZhongwen);
-    const ChildOptionItem& rate = items[0].childItems[1];
-    EXPECT_STREQ(rate.name, "rate");
-    EXPECT_EQ(rate.readyOnly, 0);
-    EXPECT_EQ(rate.displayType, 21);
-    EXPECT_EQ(rate.valueType, 0);
-    EXPECT_EQ(rate.values, nullptr);
-    EXPECT_EQ(rate.defaultValue, nullptr);
-    EXPECT_EQ(rate.description, nullptr);
-    EXPECT_STREQ(items[1].name, "empty");
-    EXPECT_EQ(items[1].readyOnly, 0);
-    EXPECT_EQ(items[1].displayType, 0);
-    EXPECT_EQ(items[1].description, nullptr);
+    EXPECT_EQ(line(items[0].childItems[0]), "codec 1 24 3 h264,hevc h264 " + gbk);
+    EXPECT_EQ(line(items[0].childItems[1]), "rate 0 21 0 null null null");
+    EXPECT_EQ(line(items[1]), "empty 0 0 null");
     EXPECT_EQ(items[1].childItemCount, 0);
-    EXPECT_EQ(items[2].displayType, 0);
-    EXPECT_STREQ(items[2].description, kFace);
+    EXPECT_EQ(line(items[2]), std::string(" 0 0 ") + kFace);
 }
 
 TEST_F(OptionGroupFile, ReadingAgainReleasesTheEarlierItemsAndFailuresLeaveItEmpty) {

@@ -23,9 +23,10 @@ protected:
 
 TEST_F(ProductFile, ReadsProductsInFileOrder) {
     std::string zh = kUtf8Zhongwen;
-    ASSERT_EQ(read("<products><product><linkURL>wrong case</linkURL><title>" + zh +
+    ASSERT_EQ(read("<products><product><title>" + zh +
                    "</title><content>body</content><buttonName>Buy</buttonName>"
-                   "<linkURl>https://example.com/a</linkURl><title></title></product>"
+                   "<linkURl>https://example.com/a</linkURl><title></title>"
+                   "<linkURL>wrong case</linkURL></product>"
                    "<other><title>not a product</title></other>"
                    "<product><title>only a title</title></product></products>"),
               0);
@@ -39,8 +40,6 @@ TEST_F(ProductFile, ReadsProductsInFileOrder) {
     EXPECT_STREQ(product(1).buttonName, "");
     EXPECT_STREQ(product(1).linkURl, "");
 
-    ASSERT_EQ(read("<products><product><linkURL>x</linkURL></product></products>"), 0);
-    EXPECT_STREQ(product(0).linkURl, "");
     ASSERT_EQ(read("<products><item/></products>"), 0);
     EXPECT_EQ(result.count, 0);
 }
