@@ -518,14 +518,37 @@ typedef struct ProductInfo {
     char linkURl[256];    /* link the button opens (GBK) */
 } ProductInfo;
 
-/* Allocates an empty group and stores it in *out; on allocation failure
- * stores and returns null. */
+/* Allocates an empty group (null items, count 0).
+ * out: where the new group is also stored; may be null.
+ * Result: the group, or null when it cannot be allocated (null is then
+ * stored too). The caller owns the group and releases it with
+ * freeGroupOPtion. */
 KELPROFILE_API GroupOPtion* createGroupOPtion(GroupOPtion** out);
-/* Reads an option group file into the group. Arrays the group held before
- * are not released (the caller does that). */
+/* Reads an option group file into the group: one OptionItem per
+ * "optionItem" child of the root (whatever the root's name), one
+ * ChildOptionItem per "childOptionItem" of an item, in file order.
+ * path: the file; group: a group from createGroupOPtion, or one that is
+ * zero-filled or filled by an earlier read.
+ * Result: 0 read; 1 when group or path is null, the file is missing or not
+ * well-formed, it has no root element, or an allocation failed; after a 1
+ * the group holds null and 0 and owns nothing.
+ * Items the group held before are released first, with their texts and
+ * child arrays: unlike the other readers, whose records the caller can
+ * release on their own, nothing else can release a group's items without
+ * releasing the group, so a second read into a group leaks nothing.
+ * Names longer than 255 bytes are cut on a whole UTF-8 character; texts
+ * are GBK heap copies of at most 1023 bytes (cut on a whole character),
+ * null for an empty text; a text without a GBK form is kept as the file's
+ * UTF-8; a repeated "Values", "DefaultValue" or "Description" replaces the
+ * earlier one. Unknown or absent type words give 0, an absent "readyOnly"
+ * gives 0. Everything read belongs to the group until freeGroupOPtion. */
 KELPROFILE_API int32_t praseOPtionXmlFile(const char* path, GroupOPtion* group);
-/* Releases the group with every item's strings and child arrays, then sets
- * *group to null. */
+/* Releases a group with everything a read put into it: every item's
+ * description and child array, every child's values, default value and
+ * description, then the items, then the group itself.
+ * group: the caller's pointer to the group; set to null afterwards, so a
+ * second call does nothing (as does a null group or *group). Negative
+ * counts are taken as 0. */
 KELPROFILE_API void freeGroupOPtion(GroupOPtion** group);
 /* Reads the temporary option file at path into *record.
  * Result: 0 read; 1 on a null record, a file that cannot be read or an
@@ -542,7 +565,18 @@ KELPROFILE_API int32_t praseOptionXmlFile(const char* path, TempOption* record);
  * Choices: a value that is not valid GBK is written as an empty
  * "optionItem". */
 KELPROFILE_API int32_t saveOptionXmlFile(const char* path, const TempOption* record);
-/* Reads a product information file into an array of ProductInfo. */
+/* Reads a product information file: one ProductInfo per "product" child
+ * of the root (whatever the root's name), in file order, each filled from
+ * its "title", "content", "buttonName" and "linkURl" texts (GBK; a text
+ * without a GBK form is kept as the file's UTF-8; texts too long for their
+ * field are cut on a whole character; an empty text leaves its field as it
+ * was, so a later empty element does not clear an earlier one).
+ * path: the file; result: receives the block of records and their count.
+ * Result: 0 read (count may be 0); 1 when result or path is null, the file
+ * is missing or not well-formed, it has no root element, or the block
+ * cannot be allocated; after a 1 records is null and count 0.
+ * The caller owns the block and releases it with free; the records own
+ * nothing. */
 KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result);
 
 #ifdef __cplusplus

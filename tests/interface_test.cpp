@@ -55,8 +55,7 @@ const std::set<std::string> kCxxFunctions = words(
 const std::set<std::string> kNotYet = words(
     "praseCustomizeXmlFile saveCustomizeXmlFile freeCustomize freePtrCustomize "
     "createKELProject freeKELProject openWebPlayerXmlFile saveWebPlayerXmlFile "
-    "saveMediaListXmlFile saveAddOnsListXmlFile createGroupOPtion "
-    "praseOPtionXmlFile freeGroupOPtion praseProductXmlFile ");
+    "saveMediaListXmlFile saveAddOnsListXmlFile ");
 
 // "name(args)" of a demangled symbol, reduced to "name".
 std::string baseName(const std::string& symbol) {

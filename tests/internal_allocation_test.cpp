@@ -146,4 +146,46 @@ TEST_F(AllocationFailure, FolderLoadersLoseFilesNeverMemory) {
     EXPECT_GT(failures, 200);
 }
 
+TEST_F(AllocationFailure, OptionGroupsAndProducts) {
+    std::string groupFile = dir.file("g.xml");
+    std::string xml = "<groupOption>";
+    for (int k = 0; k < 3; ++k) {
+        xml += "<optionItem name=\"i\"><Description>d</Description>";
+        for (int j = 0; j < 2; ++j)
+            xml +=
+                "<childOptionItem><Values>v</Values><DefaultValue>x</DefaultValue>"
+                "<Description>c</Description><Values>w</Values></childOptionItem>";
+        xml += "</optionItem>";
+    }
+    writeFile(groupFile, xml + "</groupOption>");
+    GroupOPtion* group = createGroupOPtion(nullptr);
+    ASSERT_NE(group, nullptr);
+    long failures = everyAllocationFails([&](auto failed) {
+        int rc = praseOPtionXmlFile(groupFile.c_str(), group);
+        EXPECT_EQ(rc, failed() ? 1 : 0);
+        if (failed()) {
+            EXPECT_TRUE(allZero(*group));
+        } else {
+            ASSERT_EQ(group->optionItemCount, 3);
+            EXPECT_STREQ(group->optionItems[2].childItems[1].values, "w");
+        }
+    });
+    EXPECT_EQ(failures, 1 + 3 * (1 + 1 + 2 * 4));
+    freeGroupOPtion(&group);
+
+    std::string products = dir.file("p.xml");
+    writeFile(products, "<products><product><title>t</title></product></products>");
+    EXPECT_EQ(everyAllocationFails([&](auto failed) {
+                  RecordArray result{nullptr, 9};
+                  int rc = praseProductXmlFile(products.c_str(), &result);
+                  EXPECT_EQ(rc, failed() ? 1 : 0);
+                  EXPECT_EQ(result.count, failed() ? 0 : 1);
+                  if (failed()) {
+                      EXPECT_EQ(result.records, nullptr);
+                  }
+                  std::free(result.records);
+              }),
+              1);
+}
+
 }  // namespace

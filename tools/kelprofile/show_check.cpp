@@ -154,7 +154,8 @@ int check(const std::vector<std::string>& args) {
         }
         std::string problem = roundTrip(*family, file, scratch);
         if (problem.empty()) {
-            std::cout << "ok      " << file.string() << " (" << family->name << ")\n";
+            std::cout << "ok      " << file.string() << " (" << family->name
+                      << (family->rewrite ? ")\n" : "; read only: the library has no writer)\n");
             ++ok;
         } else {
             std::cout << "FAILED  " << file.string() << " (" << family->name << "): " << problem
