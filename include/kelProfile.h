@@ -134,7 +134,11 @@ KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
  * Ownership: the record is only read.
  * Choices: joined list labels or values longer than 1023 bytes are cut at
  * the last whole piece that fits; record text that does not convert to
- * UTF-8 is written as an empty element. */
+ * UTF-8 is written as an empty element. "Format", "ExtName" and the
+ * "DefaultValue" of an item that is not a list are written unconverted when
+ * they are valid UTF-8; otherwise (GBK that the reader converted into
+ * them) they are converted from GBK like the other texts, so that every
+ * file written reads back. */
 KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
 /* Writes one profile file at path from a settings profile (everything but
  * the translations) and a texts profile (its languages and the translated
@@ -145,7 +149,9 @@ KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
  * texts profile get no labels or descriptions, and their list labels are
  * written as if untranslated. Every null text the merge needs (display
  * names and descriptions, the translated label of list entry 0) is written
- * as an empty element or an empty piece. Lists are cut as by saveXmlFile. */
+ * as an empty element or an empty piece. Lists are cut as by saveXmlFile.
+ * "Name" is written unconverted when it is valid UTF-8, else converted
+ * from GBK, as saveXmlFile writes "Format". */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
 /* Releases everything *record owns: its heap texts, items and list
  * entries. The record itself stays the caller's; its pointers are stale
