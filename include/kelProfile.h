@@ -255,14 +255,41 @@ typedef struct Customize {
     int32_t insertADOptionCount;     /* number of inserted adverts */
 } Customize;
 
+/* Reads the customization file at path into *record: "profileName" (GBK),
+ * the five numbers of "swfTypeInfo", and under "swfOption" the player and
+ * both kinds of adverts. Numbers read as kelAtoi reads them (absent gives
+ * 0); text attributes stay UTF-8, element texts are converted to GBK, and an
+ * element whose text does not convert is skipped with its attributes.
+ * Over-long values are cut to their field on a character boundary. A later
+ * "swfOption" replaces what an earlier one read.
+ * Result: 0 when the file has a root element (of any name); 1 for a null
+ * record, a missing, malformed or rootless file, or an allocation failure,
+ * each with the record cleared and nothing allocated.
+ * Ownership: after a 0 the caller owns playOption, adOptions and
+ * insertADOptions (null when the file has no "swfOption", a block of no
+ * records for an advert kind it lacks) and releases them with
+ * freeCustomize. What the record held before is not released. */
 KELPROFILE_API int32_t praseCustomizeXmlFile(const char* path, Customize* record);
-/* A record without a playOption block is written with a "playOption" of
- * zeros. "skinAutoHide" is written before "mouseAutoHide" so that it
- * survives a save and a reload. */
+/* Writes *record as a customization file at path (root "root"), every
+ * element and attribute always present, inserted adverts before clickable
+ * ones. Element texts are converted from GBK; one that does not convert is
+ * written as an empty element. "skinAutoHide" is written first on
+ * "playOption", before "mouseAutoHide", so that it survives a save and a
+ * reload. A record without a playOption block is written with a
+ * "playOption" of zeros and empty skin paths.
+ * Result: 0 when saved; 1 for a null record, an advert count above 0 with a
+ * null array, or a file that cannot be written.
+ * Ownership: the record is only read; the caller keeps it. */
 KELPROFILE_API int32_t saveCustomizeXmlFile(const char* path, const Customize* record);
-/* Releases the three blocks the record owns (not the record itself). */
+/* Releases the player block and the two advert arrays of *record (each only
+ * when not null), not the record itself; a null record does nothing.
+ * Result: none. Ownership: the three pointers and both counts are left as
+ * they were and the pointers are stale: the caller clears the record
+ * before it fills or releases it again. */
 KELPROFILE_API void freeCustomize(Customize* record);
-/* freeCustomize on the record the holder points to, then free(holder). */
+/* freeCustomize on the record *holder points to, then free(holder): the
+ * heap holder is released, the record's own storage stays the caller's. A
+ * null holder does nothing. Result: none. */
 KELPROFILE_API void freePtrCustomize(Customize** holder);
 
 /* ------------------------------------------------------------------------

@@ -53,7 +53,6 @@ const std::set<std::string> kCxxFunctions = words(
     "praseDVDXMLFolder praseOPtionXMLFolder getXmlValue setXmlValue ");
 // Families whose files the library does not handle yet.
 const std::set<std::string> kNotYet = words(
-    "praseCustomizeXmlFile saveCustomizeXmlFile freeCustomize freePtrCustomize "
     "createKELProject freeKELProject openWebPlayerXmlFile saveWebPlayerXmlFile "
     "saveMediaListXmlFile saveAddOnsListXmlFile ");
 

@@ -188,4 +188,28 @@ TEST_F(AllocationFailure, OptionGroupsAndProducts) {
               1);
 }
 
+TEST_F(AllocationFailure, CustomizationRead) {
+    // Two "swfOption" elements: the second replaces the player and the
+    // adverts the first allocated.
+    std::string path = dir.file("c.xml");
+    writeFile(path, R"(<root><profileName>p</profileName><swfOption><playOption hideDelay="1"/>
+      <insertADOption name="i"/><ADOption name="a"/><ADOption name="b"/></swfOption>
+      <swfOption><playOption hideDelay="2"/><insertADOption name="j"/><ADOption name="c"/>
+      </swfOption></root>)");
+    EXPECT_EQ(everyAllocationFails([&](auto failed) {
+                  Customize record;
+                  int rc = praseCustomizeXmlFile(path.c_str(), &record);
+                  if (failed()) {
+                      EXPECT_EQ(rc, 1);
+                      EXPECT_TRUE(allZero(record));
+                  } else {
+                      EXPECT_EQ(rc, 0);
+                      EXPECT_EQ(record.playOption->hideDelay, 2);
+                      EXPECT_STREQ(record.adOptions[0].name, "c");
+                  }
+                  freeCustomize(&record);
+              }),
+              6);
+}
+
 }  // namespace
