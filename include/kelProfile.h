@@ -387,17 +387,58 @@ typedef struct MediaListData {
     int32_t playItemCount;           /* number of play items */
 } MediaListData;
 
-/* Allocates a cleared project and stores it in *out; on allocation failure
- * stores and returns null. */
+/* Allocates a cleared project (empty texts, null pointers, counts 0).
+ * out: where the new record's address is stored; may be null, and then
+ * the address is only returned. Result: the new record, which the caller
+ * owns and releases with freeKELProject; when the allocation fails, null
+ * is stored and returned. */
 KELPROFILE_API KELProject* createKELProject(KELProject** out);
-/* Releases the project and all it owns, then sets *project to null. */
+/* Releases a project and everything it owns: each play item's adverts and
+ * watermarks, the play list, the add-on slots below addOns.count, the
+ * three heap texts, then the record; last, *project is set to null, so a
+ * second call does nothing. project: the host's pointer; null, or a null
+ * *project, does nothing. A negative count is taken as 0 and an add-on
+ * count above 120 as 120; a null array with a count is taken as empty.
+ * Slots at or past addOns.count are never freed. */
 KELPROFILE_API void freeKELProject(KELProject** project);
-/* Reads a project file; "addonsItem" elements after the 120th are ignored.
- * An allocation failure releases what was read and returns 1 with the
- * record cleared. */
+/* Reads a web-player project file (root "ZorvanWebPlayerPrj", the name
+ * compared case-sensitively) into the record. path: the file; project: a
+ * record the caller allocated, cleared first, whatever it held before
+ * left unreleased. Result: 0 read; 1 when the file is missing, malformed,
+ * has no root or a root of another name, or when an allocation fails: the
+ * record is then cleared and nothing read stays allocated. Afterwards the
+ * record owns what was read (release with freeKELProject); text is UTF-8
+ * as in the file.
+ * Values longer than their field are cut to it (width - 1 bytes, never
+ * inside a UTF-8 character); "option", "publishDomain", "publishPath" and
+ * each "href" keep at most 1023 bytes, and an empty one is stored as null.
+ * "addonsItem" elements after the 120th are ignored. A second "playlist"
+ * replaces the first, which is released; a second "addonsList" releases
+ * the earlier slots and fills the slots again from slot 0. Numbers, and
+ * "fontcolor" too, are read as atoi reads them (so "0xff" gives 0). */
 KELPROFILE_API int32_t openWebPlayerXmlFile(const char* path, KELProject* project);
+/* Writes the project as a project file: "playlist", "addonsList", then the
+ * eight text elements; each advert and watermark carries the attributes
+ * its videotype selects ("sound" for "flv" and "swf", the SWF size for
+ * "swf", the four font attributes for "text", "fontcolor" in decimal).
+ * path: the file; project: only read. Result: 0 written, 1 when project
+ * is null or the file cannot be saved. Fixed text fields are read no
+ * further than their width; counts and arrays are bounded as by
+ * freeKELProject. The caller keeps ownership of the record. */
 KELPROFILE_API int32_t saveWebPlayerXmlFile(const char* path, const KELProject* project);
+/* Writes the published player's media list (root "playlist"): a
+ * "globalwatermark" of the global watermarks, present only when there are
+ * any, then one "playitem" per play item. Adverts and watermarks carry no
+ * "caption", global watermarks neither "position" nor "duration", and
+ * "fontcolor" is written "0x%x" (a negative value gives all eight digits).
+ * path: the file; data: only read, owns nothing. Result: 0 written, 1 when
+ * data is null or the file cannot be saved. Counts and arrays are bounded
+ * as by freeKELProject. */
 KELPROFILE_API int32_t saveMediaListXmlFile(const char* path, const MediaListData* data);
+/* Writes the published player's add-ons list (root "addonsList"): one
+ * "addonsItem" per slot below count, with "href" only for a non-empty
+ * address. path: the file; list: only read (count taken as 0 to 120).
+ * Result: 0 written, 1 when list is null or the file cannot be saved. */
 KELPROFILE_API int32_t saveAddOnsListXmlFile(const char* path, const AddOnsList* list);
 
 /* ------------------------------------------------------------------------

@@ -212,4 +212,39 @@ TEST_F(AllocationFailure, CustomizationRead) {
               6);
 }
 
+TEST_F(AllocationFailure, WebPlayerProjectRead) {
+    // The example project, with a play list and an add-ons list met twice, so
+    // that failures also come while the earlier ones are being replaced.
+    std::string text =
+        readFile(std::string(KELPROFILE_SOURCE_DIR) + "/examples/webplayer/travel-showreel.xml");
+    std::string::size_type end = text.find("</ZorvanWebPlayerPrj>");
+    text.insert(end, "<playlist><playitem><advertitem/></playitem></playlist>" +
+                         text.substr(text.find("<playlist>"),
+                                     text.find("<optionFileName>") - text.find("<playlist>")));
+    std::string path = dir.file("w.xml");
+    writeFile(path, text);
+    long failures = everyAllocationFails([&](auto failed) {
+        KELProject stale{};
+        KELProject* project = &stale;
+        if (!createKELProject(&project)) {
+            EXPECT_TRUE(failed());
+            EXPECT_EQ(project, nullptr);
+            return;
+        }
+        int rc = openWebPlayerXmlFile(path.c_str(), project);
+        if (failed()) {
+            EXPECT_EQ(rc, 1);
+            EXPECT_TRUE(allZero(*project));
+        } else {
+            EXPECT_EQ(rc, 0);
+            EXPECT_EQ(project->playItemCount, 3);
+            EXPECT_EQ(project->addOns.count, 3);
+            EXPECT_STREQ(project->publishPath, "/video/travel");
+        }
+        freeKELProject(&project);
+        EXPECT_EQ(project, nullptr);
+    });
+    EXPECT_GT(failures, 20);
+}
+
 }  // namespace
