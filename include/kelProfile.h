@@ -736,8 +736,10 @@ KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
  * subfolder in turn. Result: always 0.
  * Ownership: each name is a heap string the caller frees.
  * Choices: at most 512 entries in all; paths that do not fit 511 bytes are
- * skipped, and a folder already being descended through a symbolic link
- * is not entered again. */
+ * skipped. Only regular files are taken (a FIFO, socket or device named
+ * .xml is not). Each folder is entered at most once per scan, however many
+ * symbolic links lead to it, and at most 4096 folders are entered, so a
+ * scan's time is bounded by the number of distinct folders. */
 KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
 /* Folder loaders: every XML file below folder read into one block of
  * records (Profile, DVDMenu, TempOption) with the family's reader; only
@@ -760,10 +762,10 @@ KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result)
 KELPROFILE_API int getXmlValue(const char* file, const char* path, char* out);
 /* As the three-argument getXmlValue, bounded: copies at most size - 1
  * bytes of the value into out and a terminator (never cutting a UTF-8
- * character), out "" when the path names nothing.
- * Result: the value's full length in bytes, as snprintf gives it (0 when
- * the path names nothing), or -1 when the file cannot be read. A result of
- * size or more means the value was cut. */
+ * character); out is "" when there is no value.
+ * Result: the value's full length in bytes, as snprintf gives it (a result
+ * of size or more means the value was cut); -1 when the file cannot be
+ * read; -2 when the path names no element. */
 KELPROFILE_API long getXmlValue(const char* file, const char* path, char* out, unsigned long size);
 /* Replaces the text of the element a dotted path names with value and
  * rewrites the file as parsed (unindented), whether or not an element was

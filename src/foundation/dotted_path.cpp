@@ -76,7 +76,7 @@ long getXmlValue(const char* file, const char* path, char* out, unsigned long si
     if (out && size > 0) out[0] = 0;
     kel::ReadDoc doc(file);
     if (!doc) return -1;
-    long needed = 0;
+    long needed = -2;
     if (xmlNode* target = find(doc.root(), path)) {
         kel::XmlText value = kel::content(target);
         std::size_t len = value ? std::strlen(value.get()) : 0;

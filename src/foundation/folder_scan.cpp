@@ -15,18 +15,33 @@ namespace {
 
 constexpr std::size_t kJoinSize = 1024;  // a folder joined with an entry name
 
-// A folder on the way from where the scan started down to the folder being
-// listed. A directory already on this way is reached again only through a
-// symbolic link that loops back; entering it would never end.
-struct Descent {
-    dev_t dev;
-    ino_t ino;
-    const Descent* up;
-    bool contains(const struct stat& st) const noexcept {
-        for (const Descent* d = this; d; d = d->up)
-            if (d->dev == st.st_dev && d->ino == st.st_ino) return true;
-        return false;
+// The folders one scan has entered. Each is entered once: a symbolic link
+// that loops back would otherwise never end, and links that reach the same
+// folder by many ways would make the scan's time grow with the number of
+// ways rather than the number of folders.
+class Visited {
+public:
+    static constexpr int kCapacity = 4096;
+    Visited() noexcept : folders_(kel::allocRecords<Folder>(kCapacity)) {}
+    // Records the folder; false when it was entered before, or when no more
+    // folders can be recorded (the scan then goes no deeper).
+    bool enter(const struct stat& st) noexcept {
+        if (!folders_) return false;
+        for (int i = 0; i < count_; ++i)
+            if (folders_.get()[i].dev == st.st_dev && folders_.get()[i].ino == st.st_ino)
+                return false;
+        if (count_ == kCapacity) return false;
+        folders_.get()[count_++] = {st.st_dev, st.st_ino};
+        return true;
     }
+
+private:
+    struct Folder {
+        dev_t dev;
+        ino_t ino;
+    };
+    kel::HeapPtr<Folder> folders_;
+    int count_ = 0;
 };
 
 // "folder/name" into out; false when it does not fit.
@@ -68,7 +83,7 @@ void appendFile(const char* folder, int folderLen, const char* name, int* count,
     if (char* copy = kel::dupText(path)) names[(*count)++] = copy;
 }
 
-void scan(const char* folder, int* count, char** names, const Descent* descent) noexcept {
+void scan(const char* folder, int* count, char** names, Visited& visited) noexcept {
     struct dirent** entries = nullptr;
     int listed = scandir(folder, &entries, nullptr, nullptr);
     if (listed < 0) return;
@@ -79,8 +94,7 @@ void scan(const char* folder, int* count, char** names, const Descent* descent) 
     // Files now; subfolders are kept, in listing order, for after them.
     struct Subfolder {
         struct dirent* entry;
-        dev_t dev;
-        ino_t ino;
+        struct stat st;
     };
     auto* subfolders = kel::allocRecords<Subfolder>(static_cast<std::size_t>(listed) + 1);
     int subfolderCount = 0;
@@ -91,11 +105,13 @@ void scan(const char* folder, int* count, char** names, const Descent* descent) 
         // below it: none of those paths would fit either.
         if (join(joined, folder, entry->d_name)) {
             struct stat st = statOrExit(joined);
-            if (!S_ISDIR(st.st_mode)) {
+            // Regular files only: a FIFO, socket or device named .xml would
+            // block the reader or never end.
+            if (S_ISREG(st.st_mode)) {
                 if (hasXmlExtension(entry->d_name))
                     appendFile(folder, folderLen, entry->d_name, count, names);
-            } else if (!isDotOrDotDot(entry->d_name) && !descent->contains(st) && subfolders) {
-                subfolders[subfolderCount++] = {entry, st.st_dev, st.st_ino};
+            } else if (S_ISDIR(st.st_mode) && !isDotOrDotDot(entry->d_name) && subfolders) {
+                subfolders[subfolderCount++] = {entry, st};
                 continue;
             }
         }
@@ -104,10 +120,9 @@ void scan(const char* folder, int* count, char** names, const Descent* descent) 
 
     for (int i = 0; i < subfolderCount; ++i) {
         char joined[kJoinSize];
-        if (*count < kel::kMaxFolderFiles && join(joined, folder, subfolders[i].entry->d_name)) {
-            Descent here{subfolders[i].dev, subfolders[i].ino, descent};
-            scan(joined, count, names, &here);
-        }
+        if (*count < kel::kMaxFolderFiles && join(joined, folder, subfolders[i].entry->d_name) &&
+            visited.enter(subfolders[i].st))
+            scan(joined, count, names, visited);
         std::free(subfolders[i].entry);
     }
     std::free(subfolders);
@@ -124,11 +139,11 @@ bool isDir(const char* folder, const struct dirent* entry) {
 
 int getXMLName(char* folder, int* count, char** names) {
     if (!folder || !count || !names || *count < 0) return 0;
+    Visited visited;
+    struct stat st;
     // Without the status of the starting folder, a link back to it is only
     // caught one level further down.
-    Descent start{0, 0, nullptr};
-    struct stat st;
-    if (stat(folder, &st) == 0) start = {st.st_dev, st.st_ino, nullptr};
-    scan(folder, count, names, &start);
+    if (stat(folder, &st) == 0) visited.enter(st);
+    scan(folder, count, names, visited);
     return 0;
 }

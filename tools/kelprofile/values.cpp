@@ -1,7 +1,5 @@
 // kelprofile get and kelprofile set: one value of any file, named by a
 // dotted path below the root element.
-#include <libxml/parser.h>
-
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -13,31 +11,19 @@ namespace {
 
 enum class Lookup { Unreadable, Missing, Found };
 
-// XML text cannot hold the character U+0001, so a buffer still starting
-// with it after a look-up was not written: the path named nothing.
-constexpr char kUnwritten = '\x01';
-
-// The library copies a value whole into the buffer it is handed. Any
-// element's text is one run of the root element's text, so a buffer of that
-// size always holds it.
-std::size_t valueBound(const std::string& file) {
-    std::unique_ptr<xmlDoc, void (*)(xmlDoc*)> doc(
-        xmlReadFile(file.c_str(), nullptr,
-                    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-        xmlFreeDoc);
-    xmlNode* root = doc ? xmlDocGetRootElement(doc.get()) : nullptr;
-    if (!root) return 0;
-    std::unique_ptr<xmlChar, void (*)(void*)> text(xmlNodeGetContent(root), xmlFree);
-    return (text ? std::strlen(reinterpret_cast<const char*>(text.get())) : 0) + 1;
-}
-
 Lookup lookUp(const std::string& file, const std::string& path, std::string& value) {
-    std::size_t bound = valueBound(file);
-    if (bound == 0) return Lookup::Unreadable;
-    std::string buffer(bound, '\0');
-    buffer[0] = kUnwritten;
-    if (getXmlValue(file.c_str(), path.c_str(), buffer.data()) != 0) return Lookup::Unreadable;
-    if (buffer[0] == kUnwritten) return Lookup::Missing;
+    // The first call tells the value's length; a second one takes it whole.
+    char small[256];
+    long length = getXmlValue(file.c_str(), path.c_str(), small, sizeof small);
+    if (length == -1) return Lookup::Unreadable;
+    if (length < 0) return Lookup::Missing;
+    if (static_cast<std::size_t>(length) < sizeof small) {
+        value = small;
+        return Lookup::Found;
+    }
+    std::string buffer(static_cast<std::size_t>(length) + 1, '\0');
+    if (getXmlValue(file.c_str(), path.c_str(), buffer.data(), buffer.size()) != length)
+        return Lookup::Unreadable;
     value = buffer.c_str();
     return Lookup::Found;
 }
@@ -73,11 +59,10 @@ int set(const std::vector<std::string>& args) {
     std::string old;
     Lookup result = lookUp(args[0], args[1], old);
     if (result != Lookup::Found) return fail(result, args[0], args[1]);
-    // The library reads '&' as the start of a reference; the value is meant
-    // literally.
+    // The value is meant literally, "&amp;" included: every '&' is escaped.
     std::string value;
     for (char c : args[2]) value += c == '&' ? std::string("&amp;") : std::string(1, c);
-    // The library does not report a save that failed: read the value back.
+    // Read the value back, so that a value XML cannot hold is reported too.
     std::string now;
     if (setXmlValue(args[0].c_str(), args[1].c_str(), value.c_str()) != 0 ||
         lookUp(args[0], args[1], now) != Lookup::Found || now != args[2]) {

@@ -1,0 +1,323 @@
+// Files made to hurt: entity bombs, files that claim huge records, files
+// beyond the size limit, saves on a full disk, values XML cannot hold as
+// they are, FIFOs and link mazes in a folder, null records. Each reader must
+// answer within bounded memory and time, and no failed save may cost the
+// file it replaces.
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+
+#include "kelProfile.h"
+#include "support.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kMeasured = false;  // the sanitizers' own memory and time would count
+#else
+constexpr bool kMeasured = true;
+#endif
+
+// What a call cost in a child process: its result, the growth of its peak
+// memory, and its time.
+struct Cost {
+    int result = -1;
+    long growthKb = 0;
+    double seconds = 0;
+};
+
+Cost inChild(const std::function<int()>& call) {
+    int channel[2];
+    if (pipe(channel) != 0) return {};
+    pid_t child = fork();
+    if (child == 0) {
+        close(channel[0]);
+        alarm(20);  // a hang fails the test instead of stalling the suite
+        rusage before{}, after{};
+        getrusage(RUSAGE_SELF, &before);
+        auto start = std::chrono::steady_clock::now();
+        Cost c;
+        c.result = call();
+        c.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        getrusage(RUSAGE_SELF, &after);
+        c.growthKb = after.ru_maxrss - before.ru_maxrss;
+        _exit(write(channel[1], &c, sizeof c) == sizeof c ? 0 : 1);
+    }
+    close(channel[1]);
+    Cost c;
+    if (read(channel[0], &c, sizeof c) != sizeof c) c.result = -2;
+    close(channel[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return c;
+}
+
+// The bounds every reader keeps for a file of up to 1 MB.
+void expectBounded(const Cost& c, const std::string& what) {
+    if (!kMeasured) return;
+    EXPECT_LT(c.growthKb, 64 * 1024) << what;
+    EXPECT_LT(c.seconds, 1.0) << what;
+}
+
+std::string repeat(const std::string& s, int n) {
+    std::string out;
+    out.reserve(s.size() * n);
+    for (int i = 0; i < n; ++i) out += s;
+    return out;
+}
+
+class HostileFile : public ::testing::Test {
+protected:
+    TempDir dir;
+};
+
+TEST_F(HostileFile, EntityBombsAreRefusedWithinBounds) {
+    // One 50 KB entity referenced 20,000 times (110 KB of file, 1 GB of
+    // text), and ten levels of ten references each.
+    std::string wide = "<!DOCTYPE r [<!ENTITY e \"" + std::string(50000, 'x') + "\">]>";
+    std::string deep = "<!DOCTYPE r [<!ENTITY l0 \"lol\">";
+    for (int i = 1; i < 10; ++i)
+        deep += "<!ENTITY l" + std::to_string(i) + " \"" +
+                repeat("&l" + std::to_string(i - 1) + ";", 10) + "\">";
+    deep += "]>";
+    struct Bomb {
+        std::string name, prolog, refs;
+    } bombs[] = {{"wide", wide, repeat("&e;", 20000)}, {"deep", deep, "&l9;&l9;"}};
+    for (const Bomb& b : bombs) {
+        std::string options = writeFile(dir.file(b.name + "-o.xml"),
+                                        b.prolog + "<tempOption><optionItem name=\"a\">" + b.refs +
+                                            "</optionItem></tempOption>");
+        std::string profile =
+            writeFile(dir.file(b.name + "-p.xml"),
+                      b.prolog + "<Profiles><Main><Name>" + b.refs + "</Name></Main></Profiles>");
+        Cost read = inChild([&] {
+            TempOption r;
+            return praseOptionXmlFile(options.c_str(), &r);
+        });
+        EXPECT_EQ(read.result, 1) << b.name;
+        expectBounded(read, b.name + " temporary options");
+        Cost profileRead = inChild([&] {
+            Profile p;
+            int rc = praseXmlFile(profile.c_str(), &p);
+            freeProfile(&p);
+            return rc;
+        });
+        EXPECT_EQ(profileRead.result, 1) << b.name;
+        expectBounded(profileRead, b.name + " profile");
+        Cost value = inChild([&] {
+            char out[64];
+            return static_cast<int>(getXmlValue(profile.c_str(), "Main.Name", out, sizeof out));
+        });
+        EXPECT_EQ(value.result, -1) << b.name;
+        expectBounded(value, b.name + " getXmlValue");
+    }
+
+    // Entities that stay within the bound keep their meaning.
+    std::string fine = writeFile(dir.file("fine.xml"),
+                                 "<!DOCTYPE r [<!ENTITY e \"" + std::string(1000, 'y') +
+                                     "\">]><Profiles><Main><Name>&e;&e;</Name></Main></Profiles>");
+    char value[4096];
+    EXPECT_EQ(getXmlValue(fine.c_str(), "Main.Name", value, sizeof value), 2000);
+    EXPECT_EQ(std::string(value), std::string(2000, 'y'));
+}
+
+TEST_F(HostileFile, FilesClaimingHugeRecordsAreRefusedWithinBounds) {
+    // Each empty item asks for kilobytes of zeroed record: 2 MB of items
+    // would need gigabytes.
+    struct Case {
+        const char* name;
+        std::string xml;
+        std::function<int(const char*)> read;
+    } cases[] = {
+        {"profile",
+         "<Profiles><Config>" + repeat("<ConfigItem/>", 2000000 / 13) + "</Config></Profiles>",
+         [](const char* p) {
+             Profile r;
+             int rc = praseXmlFile(p, &r);
+             freeProfile(&r);
+             return rc;
+         }},
+        {"options", "<tempOption>" + repeat("<optionItem/>", 1000000 / 13) + "</tempOption>",
+         [](const char* p) {
+             TempOption r;
+             int rc = praseOptionXmlFile(p, &r);
+             std::free(r.tempItems);
+             return rc;
+         }},
+        {"project",
+         "<ZorvanWebPlayerPrj><playlist>" + repeat("<playitem/>", 1000000 / 11) +
+             "</playlist></ZorvanWebPlayerPrj>",
+         [](const char* p) {
+             KELProject* r = createKELProject(nullptr);
+             int rc = openWebPlayerXmlFile(p, r);
+             freeKELProject(&r);
+             return rc;
+         }},
+    };
+    for (const Case& c : cases) {
+        std::string path = writeFile(dir.file(std::string(c.name) + ".xml"), c.xml);
+        Cost cost = inChild([&] { return c.read(path.c_str()); });
+        EXPECT_EQ(cost.result, 1) << c.name;
+        expectBounded(cost, c.name);
+    }
+
+    // Past the size limit a file is refused before it is parsed.
+    std::string huge = writeFile(dir.file("huge.xml"), "<tempOption>");
+    ASSERT_EQ(truncate(huge.c_str(), (64 << 20) + 1), 0);
+    Cost cost = inChild([&] {
+        TempOption r;
+        return praseOptionXmlFile(huge.c_str(), &r);
+    });
+    EXPECT_EQ(cost.result, 1);
+    expectBounded(cost, "a file over the size limit");
+}
+
+TEST_F(HostileFile, BoundedValueNeverOverrunsItsBuffer) {
+    std::string path =
+        writeFile(dir.file("v.xml"), std::string("<r><a>") + "ab" + kUtf8Zhongwen + "</a><b/></r>");
+    char out[8];
+    std::memset(out, '#', sizeof out);
+    // "ab" and the first character fit in 5 bytes; the second would be cut.
+    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 6), 8);
+    EXPECT_EQ(std::string(out), std::string("ab\xE4\xB8\xAD"));
+    EXPECT_EQ(out[6], '#');
+    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 4), 8);
+    EXPECT_STREQ(out, "ab");
+    EXPECT_EQ(getXmlValue(path.c_str(), "b", out, sizeof out), 0);
+    EXPECT_EQ(getXmlValue(path.c_str(), "missing", out, sizeof out), -2);
+    EXPECT_STREQ(out, "");
+    EXPECT_EQ(getXmlValue(dir.file("none.xml").c_str(), "a", out, sizeof out), -1);
+}
+
+// Runs save in a child that may write at most 64 bytes to any file, as on
+// a nearly full disk.
+int saveOnFullDisk(const std::function<int()>& save) {
+    return inChild([&] {
+               signal(SIGXFSZ, SIG_IGN);
+               rlimit limit{64, 64};
+               setrlimit(RLIMIT_FSIZE, &limit);
+               return save();
+           })
+        .result;
+}
+
+TEST_F(HostileFile, AFailedSaveLeavesTheOldFileAndNoTemporary) {
+    const std::string old = "<tempOption><optionItem name=\"keep\">me</optionItem></tempOption>";
+    std::string path = writeFile(dir.file("sub/options.xml"), old);
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    TempOption record{};
+    TempOptionItem items[20] = {};
+    for (auto& item : items) std::strcpy(item.value, "a value long enough to fill the disk");
+    record.tempItems = items;
+    record.tempItemCount = 20;
+
+    EXPECT_EQ(saveOnFullDisk([&] { return saveOptionXmlFile(path.c_str(), &record); }), 1);
+    EXPECT_EQ(saveOnFullDisk([&] {
+                  return setXmlValue(path.c_str(), "optionItem", std::string(500, 'v').c_str());
+              }),
+              1);
+    EXPECT_EQ(readFile(path), old);
+    int entries = 0;
+    for (const auto& e : fs::directory_iterator(dir.file("sub"))) entries += e.exists() ? 1 : 0;
+    EXPECT_EQ(entries, 1) << "a temporary file was left behind";
+
+    // A save that succeeds replaces the file and keeps its permissions.
+    ASSERT_EQ(saveOptionXmlFile(path.c_str(), &record), 0);
+    struct stat st;
+    ASSERT_EQ(stat(path.c_str(), &st), 0);
+    EXPECT_EQ(st.st_mode & 07777, 0640u);
+    EXPECT_NE(readFile(path), old);
+}
+
+TEST_F(HostileFile, ProfileTextsWrittenUnconvertedStillReadBack) {
+    std::string zh = kUtf8Zhongwen;
+    std::string path =
+        writeFile(dir.file("p.xml"), "<Profiles><Main><Name>" + zh + "</Name><Format>" + zh +
+                                         "</Format><ExtName>" + zh +
+                                         "</ExtName></Main><Config><ConfigItem "
+                                         "displayType=\"input\"><DefaultValue>" +
+                                         zh + "</DefaultValue></ConfigItem></Config></Profiles>");
+    Profile p;
+    ASSERT_EQ(praseXmlFile(path.c_str(), &p), 0);
+    ASSERT_STREQ(p.format, kGbkZhongwen);
+    std::string saved = dir.file("saved.xml"), merged = dir.file("merged.xml");
+    ASSERT_EQ(saveXmlFile(saved.c_str(), &p), 0);
+    ASSERT_EQ(megXmlFile(merged.c_str(), &p, &p), 0);
+    for (const std::string& file : {saved, merged}) {
+        Profile back;
+        ASSERT_EQ(praseXmlFile(file.c_str(), &back), 0) << file;
+        EXPECT_STREQ(back.name, kGbkZhongwen) << file;
+        EXPECT_STREQ(back.format, kGbkZhongwen) << file;
+        EXPECT_STREQ(back.extName, kGbkZhongwen) << file;
+        EXPECT_STREQ(back.configItems[0].defaultValue, kGbkZhongwen) << file;
+        freeProfile(&back);
+    }
+    freeProfile(&p);
+}
+
+TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
+    std::string path = writeFile(dir.file("v.xml"), "<r><a>x</a></r>");
+    const char* cases[][2] = {
+        {"Rock & Roll", "Rock & Roll"}, {"AT&T;", "AT&T;"}, {"&amp;", "&"},
+        {"&#38;&#x26;", "&&"},          {"a&", "a&"},       {"&#0;&lt", "&#0;&lt"}};
+    for (const auto& c : cases) {
+        ASSERT_EQ(setXmlValue(path.c_str(), "a", c[0]), 0) << c[0];
+        char out[64];
+        EXPECT_EQ(getXmlValue(path.c_str(), "a", out, sizeof out),
+                  static_cast<long>(std::strlen(c[1])))
+            << c[0];
+        EXPECT_STREQ(out, c[1]) << c[0];
+    }
+}
+
+TEST_F(HostileFile, FolderScanSkipsFifosAndEntersEachFolderOnce) {
+    writeFile(dir.file("a.xml"), "<x/>");
+    ASSERT_EQ(mkfifo(dir.file("pipe.xml").c_str(), 0600), 0);
+    // Eighteen levels, each with two links to the next: 2^18 ways down.
+    for (int i = 0; i < 18; ++i) {
+        std::string level = dir.file("maze/" + std::to_string(i));
+        fs::create_directories(level);
+        writeFile(level + "/f.xml", "<x/>");
+        if (i > 0) {
+            std::string up = dir.file("maze/" + std::to_string(i - 1));
+            fs::create_directory_symlink(level, up + "/l");
+            fs::create_directory_symlink(level, up + "/r");
+        }
+    }
+    Cost cost = inChild([&] {
+        char* names[512];
+        int count = 0;
+        getXMLName(const_cast<char*>(dir.path().c_str()), &count, names);
+        for (int i = 0; i < count; ++i) std::free(names[i]);
+        return count;
+    });
+    EXPECT_EQ(cost.result, 1 + 18);
+    expectBounded(cost, "a maze of links");
+}
+
+TEST_F(HostileFile, NullRecordsGiveOne) {
+    std::string path = writeFile(dir.file("o.xml"), "<tempOption/>");
+    EXPECT_EQ(praseOptionXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(saveOptionXmlFile(path.c_str(), nullptr), 1);
+    TempOption missingItems{};
+    missingItems.tempItemCount = 3;
+    EXPECT_EQ(saveOptionXmlFile(path.c_str(), &missingItems), 1);
+    EXPECT_EQ(praseXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(saveXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(praseDVDMenuXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(praseCustomizeXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(saveCustomizeXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(openWebPlayerXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(praseOPtionXmlFile(path.c_str(), nullptr), 1);
+    EXPECT_EQ(praseProductXmlFile(path.c_str(), nullptr), 1);
+}
+
+}  // namespace
