@@ -16,7 +16,7 @@ int kelAtoi(char* text) {
 }
 
 char* kelStrdup(char* text) {
-    return (text && *text) ? strdup(text) : nullptr;
+    return kel::dupText(text);
 }
 
 void kelStrcpy(char* dst, const char* src) {
