@@ -134,7 +134,11 @@ KELPROFILE_API int32_t praseXmlFile(const char* path, Profile* record);
  * Ownership: the record is only read.
  * Choices: joined list labels or values longer than 1023 bytes are cut at
  * the last whole piece that fits; record text that does not convert to
- * UTF-8 is written as an empty element. */
+ * UTF-8 is written as an empty element. "Format", "ExtName" and the
+ * "DefaultValue" of an item that is not a list are written unconverted when
+ * they are valid UTF-8; otherwise (GBK that the reader converted into
+ * them) they are converted from GBK like the other texts, so that every
+ * file written reads back. */
 KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
 /* Writes one profile file at path from a settings profile (everything but
  * the translations) and a texts profile (its languages and the translated
@@ -145,7 +149,9 @@ KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
  * texts profile get no labels or descriptions, and their list labels are
  * written as if untranslated. Every null text the merge needs (display
  * names and descriptions, the translated label of list entry 0) is written
- * as an empty element or an empty piece. Lists are cut as by saveXmlFile. */
+ * as an empty element or an empty piece. Lists are cut as by saveXmlFile.
+ * "Name" is written unconverted when it is valid UTF-8, else converted
+ * from GBK, as saveXmlFile writes "Format". */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
 /* Releases everything *record owns: its heap texts, items and list
  * entries. The record itself stays the caller's; its pointers are stale
@@ -249,14 +255,41 @@ typedef struct Customize {
     int32_t insertADOptionCount;     /* number of inserted adverts */
 } Customize;
 
+/* Reads the customization file at path into *record: "profileName" (GBK),
+ * the five numbers of "swfTypeInfo", and under "swfOption" the player and
+ * both kinds of adverts. Numbers read as kelAtoi reads them (absent gives
+ * 0); text attributes stay UTF-8, element texts are converted to GBK, and an
+ * element whose text does not convert is skipped with its attributes.
+ * Over-long values are cut to their field on a character boundary. A later
+ * "swfOption" replaces what an earlier one read.
+ * Result: 0 when the file has a root element (of any name); 1 for a null
+ * record, a missing, malformed or rootless file, or an allocation failure,
+ * each with the record cleared and nothing allocated.
+ * Ownership: after a 0 the caller owns playOption, adOptions and
+ * insertADOptions (null when the file has no "swfOption", a block of no
+ * records for an advert kind it lacks) and releases them with
+ * freeCustomize. What the record held before is not released. */
 KELPROFILE_API int32_t praseCustomizeXmlFile(const char* path, Customize* record);
-/* A record without a playOption block is written with a "playOption" of
- * zeros. "skinAutoHide" is written before "mouseAutoHide" so that it
- * survives a save and a reload. */
+/* Writes *record as a customization file at path (root "root"), every
+ * element and attribute always present, inserted adverts before clickable
+ * ones. Element texts are converted from GBK; one that does not convert is
+ * written as an empty element. "skinAutoHide" is written first on
+ * "playOption", before "mouseAutoHide", so that it survives a save and a
+ * reload. A record without a playOption block is written with a
+ * "playOption" of zeros and empty skin paths.
+ * Result: 0 when saved; 1 for a null record, an advert count above 0 with a
+ * null array, or a file that cannot be written.
+ * Ownership: the record is only read; the caller keeps it. */
 KELPROFILE_API int32_t saveCustomizeXmlFile(const char* path, const Customize* record);
-/* Releases the three blocks the record owns (not the record itself). */
+/* Releases the player block and the two advert arrays of *record (each only
+ * when not null), not the record itself; a null record does nothing.
+ * Result: none. Ownership: the three pointers and both counts are left as
+ * they were and the pointers are stale: the caller clears the record
+ * before it fills or releases it again. */
 KELPROFILE_API void freeCustomize(Customize* record);
-/* freeCustomize on the record the holder points to, then free(holder). */
+/* freeCustomize on the record *holder points to, then free(holder): the
+ * heap holder is released, the record's own storage stays the caller's. A
+ * null holder does nothing. Result: none. */
 KELPROFILE_API void freePtrCustomize(Customize** holder);
 
 /* ------------------------------------------------------------------------
@@ -354,17 +387,58 @@ typedef struct MediaListData {
     int32_t playItemCount;           /* number of play items */
 } MediaListData;
 
-/* Allocates a cleared project and stores it in *out; on allocation failure
- * stores and returns null. */
+/* Allocates a cleared project (empty texts, null pointers, counts 0).
+ * out: where the new record's address is stored; may be null, and then
+ * the address is only returned. Result: the new record, which the caller
+ * owns and releases with freeKELProject; when the allocation fails, null
+ * is stored and returned. */
 KELPROFILE_API KELProject* createKELProject(KELProject** out);
-/* Releases the project and all it owns, then sets *project to null. */
+/* Releases a project and everything it owns: each play item's adverts and
+ * watermarks, the play list, the add-on slots below addOns.count, the
+ * three heap texts, then the record; last, *project is set to null, so a
+ * second call does nothing. project: the host's pointer; null, or a null
+ * *project, does nothing. A negative count is taken as 0 and an add-on
+ * count above 120 as 120; a null array with a count is taken as empty.
+ * Slots at or past addOns.count are never freed. */
 KELPROFILE_API void freeKELProject(KELProject** project);
-/* Reads a project file; "addonsItem" elements after the 120th are ignored.
- * An allocation failure releases what was read and returns 1 with the
- * record cleared. */
+/* Reads a web-player project file (root "ZorvanWebPlayerPrj", the name
+ * compared case-sensitively) into the record. path: the file; project: a
+ * record the caller allocated, cleared first, whatever it held before
+ * left unreleased. Result: 0 read; 1 when the file is missing, malformed,
+ * has no root or a root of another name, or when an allocation fails: the
+ * record is then cleared and nothing read stays allocated. Afterwards the
+ * record owns what was read (release with freeKELProject); text is UTF-8
+ * as in the file.
+ * Values longer than their field are cut to it (width - 1 bytes, never
+ * inside a UTF-8 character); "option", "publishDomain", "publishPath" and
+ * each "href" keep at most 1023 bytes, and an empty one is stored as null.
+ * "addonsItem" elements after the 120th are ignored. A second "playlist"
+ * replaces the first, which is released; a second "addonsList" releases
+ * the earlier slots and fills the slots again from slot 0. Numbers, and
+ * "fontcolor" too, are read as atoi reads them (so "0xff" gives 0). */
 KELPROFILE_API int32_t openWebPlayerXmlFile(const char* path, KELProject* project);
+/* Writes the project as a project file: "playlist", "addonsList", then the
+ * eight text elements; each advert and watermark carries the attributes
+ * its videotype selects ("sound" for "flv" and "swf", the SWF size for
+ * "swf", the four font attributes for "text", "fontcolor" in decimal).
+ * path: the file; project: only read. Result: 0 written, 1 when project
+ * is null or the file cannot be saved. Fixed text fields are read no
+ * further than their width; counts and arrays are bounded as by
+ * freeKELProject. The caller keeps ownership of the record. */
 KELPROFILE_API int32_t saveWebPlayerXmlFile(const char* path, const KELProject* project);
+/* Writes the published player's media list (root "playlist"): a
+ * "globalwatermark" of the global watermarks, present only when there are
+ * any, then one "playitem" per play item. Adverts and watermarks carry no
+ * "caption", global watermarks neither "position" nor "duration", and
+ * "fontcolor" is written "0x%x" (a negative value gives all eight digits).
+ * path: the file; data: only read, owns nothing. Result: 0 written, 1 when
+ * data is null or the file cannot be saved. Counts and arrays are bounded
+ * as by freeKELProject. */
 KELPROFILE_API int32_t saveMediaListXmlFile(const char* path, const MediaListData* data);
+/* Writes the published player's add-ons list (root "addonsList"): one
+ * "addonsItem" per slot below count, with "href" only for a non-empty
+ * address. path: the file; list: only read (count taken as 0 to 120).
+ * Result: 0 written, 1 when list is null or the file cannot be saved. */
 KELPROFILE_API int32_t saveAddOnsListXmlFile(const char* path, const AddOnsList* list);
 
 /* ------------------------------------------------------------------------

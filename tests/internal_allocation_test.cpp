@@ -188,4 +188,63 @@ TEST_F(AllocationFailure, OptionGroupsAndProducts) {
               1);
 }
 
+TEST_F(AllocationFailure, CustomizationRead) {
+    // Two "swfOption" elements: the second replaces the player and the
+    // adverts the first allocated.
+    std::string path = dir.file("c.xml");
+    writeFile(path, R"(<root><profileName>p</profileName><swfOption><playOption hideDelay="1"/>
+      <insertADOption name="i"/><ADOption name="a"/><ADOption name="b"/></swfOption>
+      <swfOption><playOption hideDelay="2"/><insertADOption name="j"/><ADOption name="c"/>
+      </swfOption></root>)");
+    EXPECT_EQ(everyAllocationFails([&](auto failed) {
+                  Customize record;
+                  int rc = praseCustomizeXmlFile(path.c_str(), &record);
+                  if (failed()) {
+                      EXPECT_EQ(rc, 1);
+                      EXPECT_TRUE(allZero(record));
+                  } else {
+                      EXPECT_EQ(rc, 0);
+                      EXPECT_EQ(record.playOption->hideDelay, 2);
+                      EXPECT_STREQ(record.adOptions[0].name, "c");
+                  }
+                  freeCustomize(&record);
+              }),
+              6);
+}
+
+TEST_F(AllocationFailure, WebPlayerProjectRead) {
+    // The example project, with a play list and an add-ons list met twice, so
+    // that failures also come while the earlier ones are being replaced.
+    std::string text =
+        readFile(std::string(KELPROFILE_SOURCE_DIR) + "/examples/webplayer/travel-showreel.xml");
+    std::string::size_type end = text.find("</ZorvanWebPlayerPrj>");
+    text.insert(end, "<playlist><playitem><advertitem/></playitem></playlist>" +
+                         text.substr(text.find("<playlist>"),
+                                     text.find("<optionFileName>") - text.find("<playlist>")));
+    std::string path = dir.file("w.xml");
+    writeFile(path, text);
+    long failures = everyAllocationFails([&](auto failed) {
+        KELProject stale{};
+        KELProject* project = &stale;
+        if (!createKELProject(&project)) {
+            EXPECT_TRUE(failed());
+            EXPECT_EQ(project, nullptr);
+            return;
+        }
+        int rc = openWebPlayerXmlFile(path.c_str(), project);
+        if (failed()) {
+            EXPECT_EQ(rc, 1);
+            EXPECT_TRUE(allZero(*project));
+        } else {
+            EXPECT_EQ(rc, 0);
+            EXPECT_EQ(project->playItemCount, 3);
+            EXPECT_EQ(project->addOns.count, 3);
+            EXPECT_STREQ(project->publishPath, "/video/travel");
+        }
+        freeKELProject(&project);
+        EXPECT_EQ(project, nullptr);
+    });
+    EXPECT_GT(failures, 20);
+}
+
 }  // namespace

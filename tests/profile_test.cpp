@@ -293,11 +293,10 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
     std::strcpy(bitrate.listEntries[1].value, "0.0");
     replaceText(bitrate.listEntries[0].label[0], "p");
     replaceText(bitrate.listEntries[1].label[0], "q");
-    const std::pair<std::string, std::string> kNameUnconverted = {
-        "HD 中文</Name>", std::string("HD ") + kGbkZhongwen + "</Name>"};
+    // "Name" is written unconverted, but the GBK the reader put into it is
+    // converted back, so the file stays UTF-8 and reads back.
     EXPECT_EQ(merged(*record, *record),
-              edited(kProfile, {kNameUnconverted,
-                                {"<Desc lang=\"en\"></Desc>\n",
+              edited(kProfile, {{"<Desc lang=\"en\"></Desc>\n",
                                  "<Desc lang=\"en\"></Desc>\n    <Desc lang=\"zh\"></Desc>\n"},
                                 {"小,中,大", "小,,large"},
                                 {"<ListValue></",
@@ -316,8 +315,7 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
     EXPECT_EQ(
         merged(*record, *texts),
         edited(kProfile,
-               {kNameUnconverted,
-                {"<DisplayName lang=\"zh\">中文</DisplayName>\n    <Desc lang=\"en\"></Desc>\n",
+               {{"<DisplayName lang=\"zh\">中文</DisplayName>\n    <Desc lang=\"en\"></Desc>\n",
                  "<DisplayName lang=\"fr\"></DisplayName>\n    <Desc lang=\"en\"></Desc>\n"
                  "    <Desc lang=\"fr\">F</Desc>\n"},
                 {"<Label lang=\"en\">Size</Label>\n      <Label lang=\"zh\">中文</Label>\n"

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
 #include "kelProfile.h"
 
@@ -69,6 +70,7 @@ inline const char* kUtf8Zhongwen = "\xE4\xB8\xAD\xE6\x96\x87";
 // True when every byte of the record is zero, as a failed read leaves it.
 template <class Record>
 bool isCleared(const Record& record) {
+    static_assert(!std::is_pointer_v<Record>, "pass the record, not a pointer to it");
     const auto* bytes = reinterpret_cast<const unsigned char*>(&record);
     return std::all_of(bytes, bytes + sizeof record, [](unsigned char b) { return b == 0; });
 }

@@ -37,6 +37,36 @@ char* dupText(const char* src) noexcept {
     return (src && *src) ? dupBytes(src, std::strlen(src)) : nullptr;
 }
 
+bool isUtf8(const char* s) noexcept {
+    if (!s) return true;
+    const auto* u = reinterpret_cast<const unsigned char*>(s);
+    while (*u) {
+        unsigned c = *u;
+        int more;
+        unsigned min;
+        if (c < 0x80) {
+            ++u;
+            continue;
+        } else if (c >= 0xC2 && c <= 0xDF) {
+            more = 1, min = 0x80;
+        } else if (c >= 0xE0 && c <= 0xEF) {
+            more = 2, min = 0x800;
+        } else if (c >= 0xF0 && c <= 0xF4) {
+            more = 3, min = 0x10000;
+        } else {
+            return false;
+        }
+        unsigned code = c & (0x3F >> more);
+        for (int i = 1; i <= more; ++i) {
+            if ((u[i] & 0xC0) != 0x80) return false;
+            code = (code << 6) | (u[i] & 0x3F);
+        }
+        if (code < min || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF)) return false;
+        u += more + 1;
+    }
+    return true;
+}
+
 namespace {
 char* copyBounded(const char* src, Enc enc) noexcept {
     return dupBytes(src, fitLength(src, strnlen(src, kMaxHeapText + 1), kMaxHeapText, enc));

@@ -27,6 +27,10 @@ void copyField(char (&dst)[N], const char* src, Enc enc = Enc::Utf8) noexcept {
     copyField(dst, N, src, enc);
 }
 
+// Whether s is valid UTF-8 (no overlong forms, no surrogates, nothing past
+// U+10FFFF); a null s is.
+bool isUtf8(const char* s) noexcept;
+
 // Heap texts: null stands for an empty text.
 constexpr std::size_t kMaxHeapText = 1023;
 // A heap copy of src, or null for a null or empty src (and when the copy

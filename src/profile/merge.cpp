@@ -59,7 +59,7 @@ int32_t megXmlFile(const char* path, const Profile* settings, const Profile* tex
     Writer w;
 
     xmlNode* main = kel::addElement(w.root(), "Main");
-    kel::addText(main, "Name", kel::field(s.name).text);
+    w.addAsIs(main, "Name", kel::field(s.name).text);
     // Slot 0 holds the settings profile's own texts, the other slots the
     // translations; every slot is written, a missing text as "".
     for (int slot = 0; slot < langs.slots(); ++slot)

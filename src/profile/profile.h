@@ -11,8 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "kelProfile.h"
 #include "core/xml.h"
+#include "kelProfile.h"
 
 namespace kel::profile {
 
@@ -83,6 +83,10 @@ public:
     // is not null.
     xmlNode* add(xmlNode* parent, const char* name, const char* text,
                  const char* lang = nullptr) noexcept;
+    // An element holding a field the file keeps as the record does: written
+    // as it is when it is valid UTF-8, else converted from GBK (the reader
+    // converted it), so that every file written reads back.
+    xmlNode* addAsIs(xmlNode* parent, const char* name, const char* text) noexcept;
     // One tagged element per slot whose text is not null.
     void addPerLanguage(xmlNode* parent, const char* name, char* const (&texts)[kLangSlots],
                         const Languages& langs) noexcept;

@@ -32,6 +32,10 @@ xmlNode* Writer::add(xmlNode* parent, const char* name, const char* text,
     return node;
 }
 
+xmlNode* Writer::addAsIs(xmlNode* parent, const char* name, const char* text) noexcept {
+    return addText(parent, name, isUtf8(text) ? text : converter_.toFile(text));
+}
+
 void Writer::addPerLanguage(xmlNode* parent, const char* name, char* const (&texts)[kLangSlots],
                             const Languages& langs) noexcept {
     for (int s = 0; s < langs.slots(); ++s)
@@ -39,8 +43,8 @@ void Writer::addPerLanguage(xmlNode* parent, const char* name, char* const (&tex
 }
 
 void Writer::addSettings(xmlNode* main, const Profile& p) noexcept {
-    addText(main, "Format", field(p.format).text);
-    addText(main, "ExtName", field(p.extName).text);
+    addAsIs(main, "Format", field(p.format).text);
+    addAsIs(main, "ExtName", field(p.extName).text);
     addInt(main, "IsSysProfile", p.isSysProfile);
     addInt(main, "Type", p.type);
     addInt(main, "Device", p.device);
@@ -80,7 +84,7 @@ void Writer::addValues(xmlNode* node, const ConfigItem& item) noexcept {
     if (item.displayType == kListDisplayType) {
         addInt(node, "DefaultValue", item.defaultInt);
     } else {
-        addText(node, "DefaultValue", field(item.defaultValue).text);
+        addAsIs(node, "DefaultValue", field(item.defaultValue).text);
     }
 }
 

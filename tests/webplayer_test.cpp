@@ -1,0 +1,234 @@
+// Web-player projects: the project file both ways, the media and add-ons
+// lists, the record's lifecycle and kelprofile publish.
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "kelProfile.h"
+#include "support.h"
+
+namespace {
+
+// A project from createKELProject, released when the test ends.
+struct Project {
+    Project() { createKELProject(&p); }
+    ~Project() { freeKELProject(&p); }
+    int read(const std::string& path) {
+        freeKELProject(&p);
+        createKELProject(&p);
+        return openWebPlayerXmlFile(path.c_str(), p);
+    }
+    KELProject* operator->() { return p; }
+    KELProject* p = nullptr;
+};
+
+const std::string kExample =
+    std::string(KELPROFILE_SOURCE_DIR) + "/examples/webplayer/travel-showreel.xml";
+
+class WebPlayer : public ::testing::Test {
+protected:
+    std::string write(const std::string& xml) {
+        std::string path = dir.file("project.xml");
+        writeFile(path, xml);
+        return path;
+    }
+    TempDir dir;
+    Project project;
+};
+
+TEST_F(WebPlayer, OnlyAProjectRootIsRead) {
+    const char* refused[] = {"", "<ZorvanWebPlayerPrj><playlist>", "<?xml version=\"1.0\"?>",
+                             "<playlist><playitem caption=\"c\"/></playlist>",
+                             "<zorvanWebPlayerPrj><playerBG>1</playerBG></zorvanWebPlayerPrj>"};
+    for (const char* text : refused) {
+        project->playerBG = 7;
+        EXPECT_EQ(project.read(write(text)), 1) << text;
+        EXPECT_TRUE(isCleared(*project.p)) << text;
+    }
+    EXPECT_EQ(project.read(dir.file("missing.xml")), 1);
+    EXPECT_EQ(openWebPlayerXmlFile(write("<ZorvanWebPlayerPrj/>").c_str(), nullptr), 1);
+    EXPECT_EQ(project.read(write("<ZorvanWebPlayerPrj/>")), 0);
+    EXPECT_TRUE(isCleared(*project.p));
+}
+
+TEST_F(WebPlayer, ReadsInAnyOrderByTheTypeTable) {
+    ASSERT_EQ(project.read(write(R"(<ZorvanWebPlayerPrj>
+  <publishPath>/v</publishPath><option></option><playlist/>
+  <addonsList><addonsItem href="old0"/><addonsItem href="old1"/><addonsItem href="old2"/></addonsList>
+  <playerBG>  12px</playerBG><playskin> s </playskin><playskin></playskin>
+  <playlist><playitem caption="c" endtarget="e"/><playitem>
+    <watermarkitem videotype="png" sound="1" swfwidth="2" fontname="f" fontcolor="3" offsetleft="-4"/>
+    <advertitem videotype="swf" sound="5" caption="a"/><advertitem videotype="jpg" sound="6"/>
+    <watermarkitem videotype="text" sound="7" fontname="n" fontsize="8" fontcolor="0xff" fontstyle="b"/>
+    <watermarkitem videotype="Swf" swfwidth="9"/><advertitem videotype="flv" sound="10"/>
+  </playitem></playlist>
+  <addonsList><addonsItem href="a"/><addonsItem/></addonsList>
+</ZorvanWebPlayerPrj>)")),
+              0);
+    EXPECT_STREQ(project->publishPath, "/v");
+    EXPECT_EQ(project->option, nullptr) << "empty heap texts are null";
+    EXPECT_EQ(project->playerBG, 12);
+    EXPECT_STREQ(project->playskin, " s ");
+    ASSERT_EQ(project->addOns.count, 2);
+    EXPECT_STREQ(project->addOns.href[0], "a");
+    EXPECT_EQ(project->addOns.href[1], nullptr);
+    EXPECT_EQ(project->addOns.href[2], nullptr) << "the earlier list's slots are released";
+
+    ASSERT_EQ(project->playItemCount, 2);
+    const PlayItem& childless = project->playItems[0];
+    EXPECT_STREQ(childless.endtarget, "e");
+    EXPECT_TRUE(childless.adverts && childless.watermarks) << "blocks of size 0";
+    EXPECT_EQ(childless.advertCount + childless.watermarkCount, 0);
+    const PlayItem& item = project->playItems[1];
+    ASSERT_EQ(item.advertCount + item.watermarkCount, 6);
+    const AdvertItem* a = item.adverts;
+    const WatermarkItem* w = item.watermarks;
+    EXPECT_EQ((std::vector<int>{a[0].sound, a[1].sound, a[2].sound}), (std::vector<int>{5, 0, 10}));
+    // "png" keeps its optional fields empty, "text" reads its colour as a
+    // decimal number, "Swf" is no "swf".
+    EXPECT_EQ((std::vector<int>{w[0].sound, w[0].swfwidth, w[0].fontcolor, w[0].offsetleft,
+                                w[1].sound, w[1].fontsize, w[1].fontcolor, w[2].swfwidth}),
+              (std::vector<int>{0, 0, 0, -4, 0, 8, 0, 0}));
+    EXPECT_EQ(
+        (std::vector<std::string>{a[0].caption, w[0].fontname, w[1].fontname, w[1].fontstyle}),
+        (std::vector<std::string>{"a", "", "n", "b"}));
+
+    // An empty play list is a block of size 0.
+    ASSERT_EQ(project.read(write("<ZorvanWebPlayerPrj><playlist/></ZorvanWebPlayerPrj>")), 0);
+    EXPECT_NE(project->playItems, nullptr);
+    EXPECT_EQ(project->playItemCount, 0);
+}
+
+TEST_F(WebPlayer, ValuesAreCutToTheirFieldsAndAddOnsToTheirSlots) {
+    std::string zh = "a";  // one byte, then characters of three
+    for (int i = 0; i < 700; ++i) zh += kUtf8Zhongwen;
+    std::string xml = "<ZorvanWebPlayerPrj><misc>" + zh + "</misc><option>" + zh +
+                      "</option><playlist><playitem caption=\"" + zh +
+                      "\"><advertitem videotype=\"" + zh + "\"/></playitem></playlist><addonsList>";
+    for (int i = 0; i < 130; ++i) xml += "<addonsItem href=\"h" + std::to_string(i) + "\"/>";
+    ASSERT_EQ(project.read(write(xml + "</addonsList></ZorvanWebPlayerPrj>")), 0);
+    EXPECT_EQ(std::strlen(project->misc), 253u);
+    EXPECT_EQ(std::strlen(project->option), 1021u);
+    EXPECT_EQ(std::strlen(project->playItems[0].caption), 1021u);
+    EXPECT_EQ(std::strlen(project->playItems[0].adverts[0].videotype), 31u);
+    EXPECT_EQ(zh.compare(0, 1021, project->option), 0);
+    EXPECT_EQ(project->addOns.count, 120);
+    EXPECT_STREQ(project->addOns.href[119], "h119");
+}
+
+const std::string kItem =
+    R"(caption="" path="" image="" options="" clickurl="" clicktarget="" endurl="" styleoftarget="" endtarget="")";
+const std::string kWhere = R"(filepath="" clickurl="" clicktarget="" )";
+const std::string kPlace =
+    R"(fadein="0" fadeout="0" origin="" offsetleft="0" offsettop="0" width="0" height="0" transparency="0" )";
+const std::string kSwf = R"(videotype="swf" )" + kWhere + R"(fadein="0" fadeout="0" origin="" )" +
+                         R"(offsetleft="-5" offsettop="0" width="0" height="0" transparency="0" )" +
+                         R"(sound="0" swfwidth="6" swfheight="0" options=""/>)";
+
+TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
+    std::string path = dir.file("out.xml");
+    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.p), 0);
+    EXPECT_EQ(readFile(path),
+              std::string(kDecl) + "<ZorvanWebPlayerPrj>\n  <playlist/>\n  <addonsList/>\n" +
+                  "  <optionFileName></optionFileName>\n  <option/>\n  <playskin></playskin>\n" +
+                  "  <misc></misc>\n  <playerBG>0</playerBG>\n" +
+                  "  <publishXmlIsOut>0</publishXmlIsOut>\n  <publishDomain/>\n" +
+                  "  <publishPath/>\n</ZorvanWebPlayerPrj>\n");
+
+    // An "flv" and an "mp4" advert and a "text" watermark, each with a sound
+    // set by the host; an "swf" watermark, in the media list also a global one.
+    ASSERT_EQ(project.read(write(std::string(R"(<ZorvanWebPlayerPrj><playlist><playitem>
+  <advertitem videotype="flv" caption="ad"/><advertitem videotype="mp4"/>
+  <watermarkitem videotype="text" fontname="f&amp;" fontcolor="255" caption=")") +
+                                 kUtf8Zhongwen + R"("/>
+  <watermarkitem videotype="swf" position="p" offsetleft="-5" swfwidth="6"/>
+</playitem></playlist></ZorvanWebPlayerPrj>)")),
+              0);
+    PlayItem& item = project->playItems[0];
+    item.adverts[0].sound = item.adverts[1].sound = item.watermarks[0].sound = 1;
+    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.p), 0);
+    std::string file = readFile(path);
+    for (const std::string& line :
+         {"videotype=\"flv\" " + kWhere + "caption=\"ad\" sound=\"1\" fadein",
+          "videotype=\"mp4\" " + kWhere + "caption=\"\" fadein",
+          kPlace + "caption=\"" + kUtf8Zhongwen + "\" fontname=\"f&amp;\" fontsize=\"0\" " +
+              "fontcolor=\"255\" fontstyle=\"\" options=\"\"/>",
+          std::string("transparency=\"0\" caption=\"\" sound=\"0\" swfwidth=\"6\"")})
+        EXPECT_NE(file.find(line), std::string::npos) << line;
+
+    MediaListData data{&item.watermarks[1], 1, &item, 1};
+    ASSERT_EQ(saveMediaListXmlFile(path.c_str(), &data), 0);
+    const std::string none = R"(position="" duration="" )";
+    EXPECT_EQ(readFile(path),
+              std::string(kDecl) + "<playlist>\n  <globalwatermark>\n    <watermarkitem " + kSwf +
+                  "\n  </globalwatermark>\n  <playitem " + kItem + ">\n    <advertitem " + none +
+                  "videotype=\"flv\" " + kWhere + "sound=\"1\" fadein=\"0\" fadeout=\"0\" " +
+                  "options=\"\"/>\n    <advertitem " + none + "videotype=\"mp4\" " + kWhere +
+                  "fadein=\"0\" fadeout=\"0\" options=\"\"/>\n    <watermarkitem " + none +
+                  "videotype=\"text\" " + kWhere + kPlace + "fontname=\"f&amp;\" fontsize=\"0\" " +
+                  "fontcolor=\"0xff\" fontstyle=\"\" options=\"\"/>\n    <watermarkitem " +
+                  "position=\"p\" duration=\"\" " + kSwf + "\n  </playitem>\n</playlist>\n");
+    item.watermarks[0].fontcolor = -1;
+    data = {item.watermarks, 1, nullptr, 0};
+    ASSERT_EQ(saveMediaListXmlFile(path.c_str(), &data), 0);
+    EXPECT_NE(readFile(path).find("fontcolor=\"0xffffffff\""), std::string::npos);
+    data = {};
+    ASSERT_EQ(saveMediaListXmlFile(path.c_str(), &data), 0);
+    EXPECT_EQ(readFile(path), std::string(kDecl) + "<playlist/>\n");
+
+    char empty[] = "", a[] = "a";
+    AddOnsList list{{nullptr, empty, a}, 3};
+    ASSERT_EQ(saveAddOnsListXmlFile(path.c_str(), &list), 0);
+    EXPECT_EQ(readFile(path), std::string(kDecl) + "<addonsList>\n  <addonsItem/>\n" +
+                                  "  <addonsItem/>\n  <addonsItem href=\"a\"/>\n</addonsList>\n");
+    list.count = 0;
+    ASSERT_EQ(saveAddOnsListXmlFile(path.c_str(), &list), 0);
+    EXPECT_EQ(readFile(path), std::string(kDecl) + "<addonsList/>\n");
+
+    std::string nowhere = dir.file("no/such/x.xml");
+    EXPECT_EQ(saveWebPlayerXmlFile(nowhere.c_str(), project.p) +
+                  saveMediaListXmlFile(nowhere.c_str(), &data) +
+                  saveAddOnsListXmlFile(nowhere.c_str(), &list),
+              3);
+}
+
+// The example sets every field the writer writes, each to a value of its
+// own: a field that does not survive a read and a write changes the file.
+TEST_F(WebPlayer, RoundTripKeepsTheFileAndEveryField) {
+    ASSERT_EQ(project.read(kExample), 0);
+    std::string copy = dir.file("copy.xml");
+    ASSERT_EQ(saveWebPlayerXmlFile(copy.c_str(), project.p), 0);
+    EXPECT_EQ(readFile(copy), readFile(kExample));
+}
+
+TEST_F(WebPlayer, FreeReleasesWhatTheRecordOwnsAndNullsThePointer) {
+    KELProject* p = createKELProject(nullptr);
+    ASSERT_NE(p, nullptr);
+    static char notOwned[] = "past the count";
+    p->addOns.href[0] = static_cast<char*>(std::calloc(1, 4));
+    p->addOns.href[1] = notOwned;  // never freed: at the count
+    p->addOns.count = 1;
+    p->playItems = static_cast<PlayItem*>(std::calloc(1, sizeof(PlayItem)));
+    p->playItemCount = 1;
+    p->option = static_cast<char*>(std::calloc(1, 4));
+    freeKELProject(&p);
+    EXPECT_EQ(p, nullptr);
+    freeKELProject(&p);
+    freeKELProject(nullptr);
+}
+
+TEST_F(WebPlayer, PublishWritesTheListsOfTheProjectsPlayItems) {
+    std::string tool = KELPROFILE_TOOL, out = dir.file("site");
+    ASSERT_EQ(std::system((tool + " publish " + kExample + " " + out + " >/dev/null").c_str()), 0);
+    ASSERT_EQ(project.read(kExample), 0);
+    MediaListData data{nullptr, 0, project->playItems, project->playItemCount};
+    std::string media = dir.file("media.xml"), addOns = dir.file("addons.xml");
+    ASSERT_EQ(saveMediaListXmlFile(media.c_str(), &data), 0);
+    ASSERT_EQ(saveAddOnsListXmlFile(addOns.c_str(), &project->addOns), 0);
+    EXPECT_EQ(readFile(out + "/playlist.xml"), readFile(media));
+    EXPECT_EQ(readFile(out + "/addonsList.xml"), readFile(addOns));
+    EXPECT_NE(std::system((tool + " publish " + out + " 2>/dev/null").c_str()), 0);
+}
+
+}  // namespace
