@@ -30,11 +30,15 @@ declare -A examples=(
   [product]="examples/products"
 )
 
-# The targets' scratch folders go here, so that a run that crashed leaves
-# nothing behind in the system's temporary folder.
-export TMPDIR="$PWD/$build/tmp"
-rm -rf "$TMPDIR"
-mkdir -p "$TMPDIR"
+# The targets write and read their files in a folder of this run's own,
+# removed at the end even after a crash. A memory file system when there is
+# one: saves that rename over a file make a disk file system write through,
+# which costs most of the executions.
+scratch=/dev/shm
+[ -d "$scratch" ] && [ -w "$scratch" ] || scratch="$PWD/$build"
+TMPDIR=$(mktemp -d "$scratch/kelfuzz-run-XXXXXX")
+export TMPDIR
+trap 'rm -rf "$TMPDIR"' EXIT
 
 failed=()
 for binary in "$build"/fuzz/*_fuzz; do
@@ -65,14 +69,21 @@ for binary in "$build"/fuzz/*_fuzz; do
     mkdir -p "fuzz/regressions/$target"
     for found in "$artifacts"/*; do
       [ -f "$found" ] || continue
-      cp "$found" "fuzz/regressions/$target/"
-      echo "  saved fuzz/regressions/$target/$(basename "$found")"
+      known=""
+      for kept in "fuzz/regressions/$target"/*; do
+        [ -f "$kept" ] && cmp -s "$found" "$kept" && known="$kept" && break
+      done
+      if [ -n "$known" ]; then
+        echo "  already in the regression corpus: $known"
+      else
+        cp "$found" "fuzz/regressions/$target/"
+        echo "  saved fuzz/regressions/$target/$(basename "$found")"
+      fi
     done
     echo "  full log: $log"
   fi
 done
 
-rm -rf "$TMPDIR"
 if [ ${#failed[@]} -gt 0 ]; then
   echo "Findings in: ${failed[*]}. Commit the saved inputs once the library is fixed."
   exit 1
