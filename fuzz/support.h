@@ -24,6 +24,8 @@
 #include <string>
 #include <vector>
 
+#include "kelProfile.h"
+
 namespace kelfuzz {
 
 using Body = int (*)(const uint8_t* data, size_t size);
@@ -59,23 +61,26 @@ inline std::string& currentInput() {
     std::abort();
 }
 
-// A folder of this process's own, removed when the process ends normally.
+// A folder of this process's own, removed when the process that made it
+// ends normally (a child forked to replay an input uses its parent's folder
+// and leaves it in place).
 class Scratch {
 public:
-    Scratch() {
+    Scratch() : owner_(getpid()) {
         std::string pattern = (std::filesystem::temp_directory_path() / "kelfuzz-XXXXXX").string();
         if (!mkdtemp(pattern.data())) fail(__FILE__, __LINE__, "no scratch folder");
         path_ = pattern;
     }
     ~Scratch() {
         std::error_code ec;
-        std::filesystem::remove_all(path_, ec);
+        if (getpid() == owner_) std::filesystem::remove_all(path_, ec);
     }
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
     std::string file(const char* name) const { return (path_ / name).string(); }
 
 private:
+    pid_t owner_;
     std::filesystem::path path_;
 };
 
@@ -124,6 +129,13 @@ inline std::vector<std::string> pieces(const uint8_t* data, size_t size) {
         }
     }
     return out;
+}
+
+// Whether the file at path is well-formed XML with a root element, as the
+// library's generic reader (getXmlValue) takes any file: for files whose
+// family has no reader of its own.
+inline bool readsAsXml(const std::string& path) {
+    return getXmlValue(path.c_str(), "", nullptr, 0) >= 0;
 }
 
 // ---- record checks ---------------------------------------------------------

@@ -28,6 +28,8 @@ declare -A examples=(
   [option_group]="examples/options"
   [dvd_menu]="examples/dvd"
   [product]="examples/products"
+  [customize]="examples/customize"
+  [webplayer]="examples/webplayer"
 )
 
 # The targets write and read their files in a folder of this run's own,
