@@ -44,6 +44,9 @@ std::vector<fs::path> filesBelow(const fs::path& folder) {
 // sanitizer build checks it for leaks too.
 void replay(const kelfuzz::Target& target, const fs::path& file) {
     std::string bytes = kelfuzz::readBytes(file.string());
+    // The scratch folder is made here, so that every child uses it and this
+    // process removes it at the end, even when a child was killed.
+    kelfuzz::scratchFile("");
     std::fflush(nullptr);
     pid_t child = fork();
     ASSERT_GE(child, 0);
