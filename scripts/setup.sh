@@ -4,10 +4,14 @@
 set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev)
-if [ "${1:-}" = "--tests" ]; then
-  # GoogleTest, Google Benchmark, and the DVD tools the authoring test drives.
-  packages+=(libgtest-dev libbenchmark-dev dvdauthor ffmpeg)
-fi
+for option in "$@"; do
+  case "$option" in
+    # GoogleTest, Google Benchmark, and the DVD tools the authoring test drives.
+    --tests) packages+=(libgtest-dev libbenchmark-dev dvdauthor ffmpeg) ;;
+    # clang with libFuzzer and the sanitizer runtimes, for scripts/fuzz.sh.
+    --fuzz) packages+=(clang libclang-rt-14-dev) ;;
+  esac
+done
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sets everything up and runs all tests: a plain build (with the benchmark
 # built, not run) and an AddressSanitizer + UndefinedBehaviorSanitizer build,
-# both with warnings as errors.
+# both with warnings as errors; then a short run of every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,3 +18,6 @@ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --test-dir build/sanitize -j "$jobs" --output-on-failure
+
+# A short run of every fuzz target (30 s each), with clang and libFuzzer.
+bash scripts/fuzz.sh 30
