@@ -135,7 +135,7 @@ inline std::vector<std::string> pieces(const uint8_t* data, size_t size) {
 // library's generic reader (getXmlValue) takes any file: for files whose
 // family has no reader of its own.
 inline bool readsAsXml(const std::string& path) {
-    return getXmlValue(path.c_str(), "", nullptr, 0) >= 0;
+    return getXmlValue(path.c_str(), "", nullptr, 0) != -1;  // -1: it does not parse
 }
 
 // ---- record checks ---------------------------------------------------------

@@ -770,8 +770,10 @@ KELPROFILE_API long getXmlValue(const char* file, const char* path, char* out, u
 /* Replaces the text of the element a dotted path names with value and
  * rewrites the file as parsed (unindented), whether or not an element was
  * found.
- * Result: 0 rewritten; 1 when the file cannot be read or the rewrite fails
- * (the file is then left as it was).
+ * Result: 0 rewritten; 1 when the file cannot be read, when value is not
+ * text XML can hold (invalid UTF-8, a control character other than tab and
+ * line ends, U+FFFE or U+FFFF), or when the rewrite fails; the file is
+ * then left as it was.
  * Choices: "&amp;", character references and entities the document
  * declares keep their meaning in value; any other ampersand is taken
  * literally ("Rock & Roll", "AT&T;"), so a value never makes the file

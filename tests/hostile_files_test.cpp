@@ -276,6 +276,12 @@ TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
             << c[0];
         EXPECT_STREQ(out, c[1]) << c[0];
     }
+    // Text XML cannot hold is refused, and the file left as it was.
+    std::string before = readFile(path);
+    for (const char* bad : {"a\x01b", "\xC0", "\xEF\xBF\xBE"}) {
+        EXPECT_EQ(setXmlValue(path.c_str(), "a", bad), 1) << bad;
+        EXPECT_EQ(readFile(path), before) << bad;
+    }
 }
 
 TEST_F(HostileFile, FolderScanSkipsFifosAndEntersEachFolderOnce) {

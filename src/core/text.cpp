@@ -127,9 +127,13 @@ int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsi
     std::size_t outLeft = outlen;
     std::size_t result = iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft);
     if (!zeroFill && outLeft > 0) *outPtr = 0;
-    if (result != 0) return -1;
-    // A result that fills the whole buffer has no terminator: it does not fit.
-    return outLeft == 0 ? -1 : 0;
+    // A result that fills the whole buffer has no room for its terminator:
+    // it does not fit, and its last byte gives way to the terminator.
+    if (outLeft == 0) {
+        if (outlen > 0) out[outlen - 1] = 0;
+        return -1;
+    }
+    return result != 0 ? -1 : 0;
 }
 
 Conversion::~Conversion() {

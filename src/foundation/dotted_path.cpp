@@ -147,9 +147,26 @@ kel::HeapPtr<char> literalAmpersands(xmlDoc* doc, const char* value) noexcept {
     return out;
 }
 
+// Whether XML text can hold value as it is: valid UTF-8 of characters that
+// XML allows (no control characters but tab and line ends, no U+FFFE).
+bool isXmlText(const char* value) noexcept {
+    const auto* p = reinterpret_cast<const xmlChar*>(value);
+    if (!xmlCheckUTF8(p)) return false;
+    while (*p) {
+        int len = 4;
+        int c = xmlGetUTF8Char(p, &len);
+        if (c < 0 || !xmlIsChar(static_cast<unsigned int>(c))) return false;
+        p += len;
+    }
+    return true;
+}
+
 }  // namespace
 
 int setXmlValue(const char* file, const char* path, const char* value) {
+    // A value XML cannot hold would make the file unreadable: it is refused
+    // and the file left as it was.
+    if (value && !isXmlText(value)) return 1;
     kel::ReadDoc doc(file);
     if (!doc) return 1;
     xmlDoc* tree = doc.root()->doc;
