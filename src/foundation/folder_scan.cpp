@@ -1,5 +1,12 @@
 // Finding every XML file below a folder: the folder's own files first, then
 // each subfolder in listing order, to any depth.
+//
+// Listings and statuses use the 64-bit forms of the calls (the same calls on
+// 64-bit targets): on 32-bit x86 the plain ones fail with EOVERFLOW for an
+// inode number or a directory position past 32 bits, which filesystems with
+// 64-bit inode numbers or hashed directories hand out, and a folder would
+// then look empty or end the process. isDir still takes the host's plain
+// struct dirent.
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -20,9 +27,9 @@ constexpr std::size_t kJoinSize = 1024;  // a folder joined with an entry name
 // symbolic link that loops back; entering it would never end.
 struct Descent {
     dev_t dev;
-    ino_t ino;
+    ino64_t ino;
     const Descent* up;
-    bool contains(const struct stat& st) const noexcept {
+    bool contains(const struct stat64& st) const noexcept {
         for (const Descent* d = this; d; d = d->up)
             if (d->dev == st.st_dev && d->ino == st.st_ino) return true;
         return false;
@@ -38,9 +45,9 @@ bool join(char (&out)[kJoinSize], const char* folder, const char* name) noexcept
 // The status of a listed entry, links followed. An entry without one (gone
 // since the listing, a dangling link, a folder that can be listed but not
 // searched) ends the process: the host relies on complete folders.
-struct stat statOrExit(const char* path) noexcept {
-    struct stat st;
-    if (stat(path, &st) != 0) {
+struct stat64 statOrExit(const char* path) noexcept {
+    struct stat64 st;
+    if (stat64(path, &st) != 0) {
         std::perror("stat()");
         std::exit(1);
     }
@@ -69,8 +76,8 @@ void appendFile(const char* folder, int folderLen, const char* name, int* count,
 }
 
 void scan(const char* folder, int* count, char** names, const Descent* descent) noexcept {
-    struct dirent** entries = nullptr;
-    int listed = scandir(folder, &entries, nullptr, nullptr);
+    struct dirent64** entries = nullptr;
+    int listed = scandir64(folder, &entries, nullptr, nullptr);
     if (listed < 0) return;
 
     int folderLen = static_cast<int>(std::strlen(folder));
@@ -78,19 +85,19 @@ void scan(const char* folder, int* count, char** names, const Descent* descent) 
 
     // Files now; subfolders are kept, in listing order, for after them.
     struct Subfolder {
-        struct dirent* entry;
+        struct dirent64* entry;
         dev_t dev;
-        ino_t ino;
+        ino64_t ino;
     };
     auto* subfolders = kel::allocRecords<Subfolder>(static_cast<std::size_t>(listed) + 1);
     int subfolderCount = 0;
     for (int i = 0; i < listed; ++i) {
-        struct dirent* entry = entries[i];
+        struct dirent64* entry = entries[i];
         char joined[kJoinSize];
         // An entry whose path does not fit is left out, with everything
         // below it: none of those paths would fit either.
         if (join(joined, folder, entry->d_name)) {
-            struct stat st = statOrExit(joined);
+            struct stat64 st = statOrExit(joined);
             if (!S_ISDIR(st.st_mode)) {
                 if (hasXmlExtension(entry->d_name))
                     appendFile(folder, folderLen, entry->d_name, count, names);
@@ -127,8 +134,8 @@ int getXMLName(char* folder, int* count, char** names) {
     // Without the status of the starting folder, a link back to it is only
     // caught one level further down.
     Descent start{0, 0, nullptr};
-    struct stat st;
-    if (stat(folder, &st) == 0) start = {st.st_dev, st.st_ino, nullptr};
+    struct stat64 st;
+    if (stat64(folder, &st) == 0) start = {st.st_dev, st.st_ino, nullptr};
     scan(folder, count, names, &start);
     return 0;
 }
