@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Sets everything up and runs all tests: a plain build (with the benchmark
 # built, not run) and an AddressSanitizer + UndefinedBehaviorSanitizer build,
-# both with warnings as errors; then a short run of every fuzz target.
+# both with warnings as errors; the interface compared with its ABI baseline;
+# a 32-bit x86 build with all its tests, the host's own architecture; then a
+# short run of every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -12,12 +14,15 @@ cmake -S . -B build/plain -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DKELPROFILE_WERROR=ON -DKELPROFILE_TESTS=ON -DKELPROFILE_BENCH=ON
 cmake --build build/plain -j "$jobs"
 ctest --test-dir build/plain -j "$jobs" --output-on-failure
+bash scripts/abi.sh x86_64
 
 cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DKELPROFILE_WERROR=ON -DKELPROFILE_TESTS=ON -DKELPROFILE_SANITIZE=ON
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --test-dir build/sanitize -j "$jobs" --output-on-failure
+
+bash scripts/i386.sh
 
 # A short run of every fuzz target (30 s each), with clang and libFuzzer.
 bash scripts/fuzz.sh 30

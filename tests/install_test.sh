@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
 # Installs the built library into a temporary prefix and builds and runs a
 # host project against it, found through CMake and through pkg-config.
+# CMAKE_TOOLCHAIN_FILE, when set, is the library's target (cmake reads it
+# from the environment); KELPROFILE_EMULATOR, when set, runs the programs.
 set -euo pipefail
 build_dir=$1
 source_dir=$2
@@ -12,6 +14,6 @@ cmake -S "$source_dir/tests/consumer" -B "$prefix/consumer" -G Ninja \
 cmake --build "$prefix/consumer" >/dev/null
 for program in consumer consumer_pc; do
   LD_LIBRARY_PATH="$prefix/lib:$prefix/lib/$(ls "$prefix/lib" | grep -m1 -- '-linux-gnu' || true)" \
-    "$prefix/consumer/$program"
+    ${KELPROFILE_EMULATOR:-} "$prefix/consumer/$program"
 done
 echo "install: 1 passed, 0 failed"

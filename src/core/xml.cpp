@@ -74,8 +74,10 @@ bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
 ReadDoc::ReadDoc(const char* path) noexcept {
     if (!path) return;
     // Only regular files: a FIFO or a device would block or never end.
-    struct stat st;
-    if (stat(path, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
+    // The 64-bit status: on 32-bit x86 the plain one fails for a file with
+    // an inode number past 32 bits.
+    struct stat64 st;
+    if (stat64(path, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
     QuietErrors quiet;
     // No network access and no messages; otherwise libxml2's defaults, so
     // whitespace between elements stays in the tree as text nodes, and
@@ -171,14 +173,14 @@ int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
     if (!doc || !path || !*path) return 1;
     // A link is written through: the file it names is the one replaced.
     HeapPtr<char> resolved;
-    struct stat st;
-    if (lstat(path, &st) == 0 && S_ISLNK(st.st_mode)) {
+    struct stat64 st;
+    if (lstat64(path, &st) == 0 && S_ISLNK(st.st_mode)) {
         resolved.reset(realpath(path, nullptr));
         if (!resolved) return 1;
         path = resolved.get();
     }
     mode_t mode;
-    if (stat(path, &st) == 0) {
+    if (stat64(path, &st) == 0) {
         if (!S_ISREG(st.st_mode)) return 1;
         mode = st.st_mode & 07777;
     } else {
