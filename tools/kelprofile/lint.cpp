@@ -126,6 +126,21 @@ std::string looseText(const xmlNode* node) {
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
+// The attributes of an element and of the elements below it, each
+// element's in name order, for telling elements of one name apart.
+std::string attributesBelow(const xmlNode* node) {
+    std::vector<std::string> own;
+    for (const xmlAttr* a = node->properties; a; a = a->next) {
+        const char* name = reinterpret_cast<const char*>(a->name);
+        own.push_back(std::string(name) + '=' + attribute(node, name));
+    }
+    std::sort(own.begin(), own.end());
+    std::string all;
+    for (const std::string& a : own) all += a + '\0';
+    for (const xmlNode* c : elementChildren(node)) all += '<' + attributesBelow(c) + '>';
+    return all;
+}
+
 std::string childPath(const std::string& path, const xmlNode* child) {
     return path.empty() ? nameOf(child) : path + '/' + nameOf(child);
 }
@@ -145,8 +160,8 @@ public:
             return;
         }
         if (fileChildren.empty()) {
-            if (!blank(content(file)))
-                lint_.warn(file, where + ": text " + quote(content(file)) +
+            if (!blank(looseText(file)))
+                lint_.warn(file, where + ": text " + quote(looseText(file)) +
                                      " not read (the reader reads elements here)");
         } else {
             std::string loose = looseText(file);
@@ -226,11 +241,20 @@ private:
                            (now.empty() ? std::string("holds nothing") : "holds " + quote(now)));
     }
 
+    // The number of differences between an element and a written one.
+    int differences(const xmlNode* file, const xmlNode* record) const {
+        Lint scratch("");
+        Diff(scratch, gbk_).element(file, record, "");
+        return scratch.count();
+    }
+
     // Pairs each element of the file with the one the record made of it:
-    // same name, same "lang" or "name" key and same text first, then same
-    // name and key, then same name, in document order.
-    static std::vector<int> pairUp(const std::vector<const xmlNode*>& file,
-                                   const std::vector<const xmlNode*>& record) {
+    // same name, same "lang" or "name" key and same text first; then, of
+    // several elements of a name of which the record kept one, the one it
+    // resembles most; then same name and key, then same name, in document
+    // order.
+    std::vector<int> pairUp(const std::vector<const xmlNode*>& file,
+                            const std::vector<const xmlNode*>& record) const {
         auto signature = [](const xmlNode* n, int phase) {
             std::string s = nameOf(n);
             if (phase < 2) {
@@ -243,12 +267,14 @@ private:
                 s += '\0';
                 for (char c : content(n))
                     if (!std::isspace(static_cast<unsigned char>(c))) s += c;
+                s += '\0' + attributesBelow(n);
             }
             return s;
         };
         std::vector<int> to(file.size(), -1);
         std::vector<bool> used(record.size(), false);
         for (int phase = 0; phase < 3; ++phase) {
+            if (phase == 1) survivors(file, record, to, used);
             std::map<std::string, std::vector<int>> free;
             for (std::size_t j = record.size(); j-- > 0;)
                 if (!used[j]) free[signature(record[j], phase)].push_back(static_cast<int>(j));
@@ -262,6 +288,33 @@ private:
             }
         }
         return to;
+    }
+
+    // A repeated element of which the record kept one: the kept one is the
+    // element the written copy differs least from.
+    void survivors(const std::vector<const xmlNode*>& file,
+                   const std::vector<const xmlNode*>& record, std::vector<int>& to,
+                   std::vector<bool>& used) const {
+        std::map<std::string, std::vector<std::size_t>> unusedOfName, unpairedOfName;
+        for (std::size_t j = 0; j < record.size(); ++j)
+            if (!used[j]) unusedOfName[nameOf(record[j])].push_back(j);
+        for (std::size_t i = 0; i < file.size(); ++i)
+            if (to[i] < 0) unpairedOfName[nameOf(file[i])].push_back(i);
+        for (const auto& [name, unused] : unusedOfName) {
+            const std::vector<std::size_t>& candidates = unpairedOfName[name];
+            if (unused.size() != 1 || candidates.size() < 2) continue;
+            std::size_t j = unused[0], best = candidates[0];
+            int fewest = differences(file[best], record[j]);
+            for (std::size_t i : candidates) {
+                int d = differences(file[i], record[j]);
+                if (d < fewest) {
+                    best = i;
+                    fewest = d;
+                }
+            }
+            to[best] = static_cast<int>(j);
+            used[j] = true;
+        }
     }
 
     void children(const xmlNode* file, const std::vector<const xmlNode*>& fileChildren,

@@ -55,8 +55,8 @@ public:
         return *this;
     }
     Printer& open(const char* label, int index) override {
-        nlohmann::json& block = slot(label, index);
-        block = nlohmann::json::object();
+        nlohmann::ordered_json& block = slot(label, index);
+        block = nlohmann::ordered_json::object();
         open_.push_back(&block);
         return *this;
     }
@@ -64,26 +64,26 @@ public:
         if (open_.size() > 1) open_.pop_back();
         return *this;
     }
-    nlohmann::json take() { return std::move(record_); }
+    nlohmann::ordered_json take() { return std::move(record_); }
 
 private:
     void put(const char* label, int index, const char* value, bool gbk) override {
-        nlohmann::json& to = slot(label, index);
+        nlohmann::ordered_json& to = slot(label, index);
         if (value)
             to = gbk ? utf8(value) : std::string(value);
         else
             to = nullptr;
     }
-    nlohmann::json& slot(const char* label, int index) {
-        nlohmann::json& in = *open_.back();
+    nlohmann::ordered_json& slot(const char* label, int index) {
+        nlohmann::ordered_json& in = *open_.back();
         if (index < 0) return in[label];
-        nlohmann::json& list = in[label];
-        if (!list.is_array()) list = nlohmann::json::array();
+        nlohmann::ordered_json& list = in[label];
+        if (!list.is_array()) list = nlohmann::ordered_json::array();
         return list[static_cast<std::size_t>(index)];
     }
 
-    nlohmann::json record_ = nlohmann::json::object();
-    std::vector<nlohmann::json*> open_;
+    nlohmann::ordered_json record_ = nlohmann::ordered_json::object();
+    std::vector<nlohmann::ordered_json*> open_;
 };
 
 }  // namespace
@@ -93,7 +93,7 @@ std::unique_ptr<Printer> textPrinter(std::ostream& out) {
 }
 
 int showJson(const std::vector<std::string>& paths) {
-    nlohmann::json all = nlohmann::json::array();
+    nlohmann::ordered_json all = nlohmann::ordered_json::array();
     int status = kOk;
     for (const std::string& path : paths) {
         Parsed parsed = identify(path);
@@ -112,7 +112,7 @@ int showJson(const std::vector<std::string>& paths) {
     }
     // Text that is not UTF-8 (a UTF-8 record field holding other bytes) is
     // shown with U+FFFD rather than failing the whole output.
-    std::cout << all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+    std::cout << all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
     return status;
 }
 

@@ -139,6 +139,7 @@ public:
     // last one without text does not, unless emptyReplaces).
     void repeated(const xmlNode* parent, const std::string& where, const char* name,
                   bool emptyReplaces);
+    int count() const { return static_cast<int>(found_.size()); }
     // Prints the findings in line order; their number.
     int print(std::ostream& out);
 
