@@ -20,6 +20,7 @@
 #include <iostream>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "kelProfile.h"
 #include "tool.h"
@@ -61,12 +62,16 @@ std::string nameOf(const xmlNode* node) {
 }
 
 // A value as a finding quotes it: at most 40 bytes, never cut inside a
-// UTF-8 character.
+// UTF-8 character, on one line.
 std::string quote(const std::string& value) {
-    if (value.size() <= 40) return '\'' + value + '\'';
+    std::string shown = value;
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return c == '\n' || c == '\r' || c == '\t'; },
+        ' ');
+    if (shown.size() <= 40) return '\'' + shown + '\'';
     std::size_t end = 37;
-    while (end > 0 && (static_cast<unsigned char>(value[end]) & 0xC0) == 0x80) --end;
-    return '\'' + value.substr(0, end) + "...'";
+    while (end > 0 && (static_cast<unsigned char>(shown[end]) & 0xC0) == 0x80) --end;
+    return '\'' + shown.substr(0, end) + "...'";
 }
 
 bool ascii(const std::string& text) {
@@ -390,6 +395,12 @@ int lintFile(const std::string& path, const fs::path& scratch) {
         }
         Diff(lint, family.gbk).element(root, xmlDocGetRootElement(written.doc.get()), "");
     } else if (family.lint) {
+        // Only what the library reads at all has findings.
+        std::ostringstream discard;
+        if (!family.show(path.c_str(), *textPrinter(discard))) {
+            std::cout << path << ": error: the library cannot read it\n";
+            return -1;
+        }
         family.lint(root, lint);
     }
     return lint.print(std::cout);

@@ -78,8 +78,9 @@ Parsed identify(const std::string& path) {
     }
     xmlError first{};
     xmlSetStructuredErrorFunc(&first, keepFirst);
-    parsed.doc.reset(xmlCtxtReadFile(context.get(), path.c_str(), nullptr,
-                                     XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    parsed.doc.reset(xmlCtxtReadFile(
+        context.get(), path.c_str(), nullptr,
+        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_BIG_LINES));
     xmlSetStructuredErrorFunc(nullptr, nullptr);
     std::string message = first.message ? first.message : "";
     xmlFree(first.message);
