@@ -3,7 +3,8 @@
 # when it is missing. Runs as root, or through sudo.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev)
+# nlohmann-json3-dev: the JSON output of kelprofile show --json.
+packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev nlohmann-json3-dev)
 for option in "$@"; do
   case "$option" in
     # GoogleTest, Google Benchmark, and the DVD tools the authoring test drives.

@@ -78,10 +78,9 @@ void showAd(tool::Printer& p, const ADOption& ad, int i) {
         .close();
 }
 
-bool show(const char* path, std::ostream& out) {
+bool show(const char* path, tool::Printer& p) {
     Customize record;
     if (praseCustomizeXmlFile(path, &record) != 0) return false;
-    tool::Printer p(out);
     p.gbk("profileName", record.profileName)
         .number("GenerateFLV", record.GenerateFLV)
         .number("GenerateSWF", record.GenerateSWF)
@@ -107,6 +106,7 @@ int rewrite(const char* src, const char* dst) {
     return result;
 }
 
-tool::RegisterFamily family({"customizations", recognise, show, rewrite});
+tool::RegisterFamily family({"customizations", "\"root\"", recognise, show, rewrite, nullptr,
+                             true});
 
 }  // namespace

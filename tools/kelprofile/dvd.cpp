@@ -1,5 +1,6 @@
 // DVD menu templates in kelprofile, and kelprofile dvd: the spumux and
 // dvdauthor control files of a disc, from a template and title videos.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -57,10 +58,9 @@ void buttons(tool::Printer& p, const char* label, const DVDMenuItem (&list)[3]) 
     for (int i = 0; i < 3; ++i) item(p, label, i, list[i]);
 }
 
-bool show(const char* path, std::ostream& out) {
+bool show(const char* path, tool::Printer& p) {
     DVDMenu m;
     if (praseDVDMenuXmlFile(path, &m) != 0) return false;
-    tool::Printer p(out);
     p.text("thumbnailName", m.thumbnailName)
         .text("thumbnailNameBroadband", m.thumbnailNameBroadband)
         .text("bgImageName", m.bgImageName)
@@ -79,7 +79,109 @@ bool show(const char* path, std::ostream& out) {
     return true;
 }
 
-tool::RegisterFamily family({"DVD menu template", recognise, show, nullptr});
+// ---- lint: the template's capacities and widths ----------------------------
+
+constexpr int kListCapacity = sizeof(DVDMenu{}.frames) / sizeof(DVDMenuItem);
+constexpr int kButtonCapacity = sizeof(DVDMenu{}.navbtnsInfo) / sizeof(DVDMenuItem);
+constexpr std::size_t kItemText = sizeof(DVDMenuItem{}.imgName);
+
+// The items of one list: their capacity, the attributes read, which of them
+// are texts (the others are numbers).
+void lintItems(const xmlNode* list, tool::Lint& lint, const char* item, int capacity,
+               const char* const* attributes) {
+    std::string where = reinterpret_cast<const char*>(list->name);
+    const char* const names[] = {item, nullptr};
+    lint.unknownChildren(list, where, names);
+    lint.capacity(list, where, item, capacity);
+    int k = 0;
+    for (const xmlNode* c : tool::elementChildren(list)) {
+        if (!tool::named(c, item) || k++ == capacity) continue;
+        std::string at = where + '/' + item;
+        lint.unknownAttributes(c, at, attributes);
+        for (const char* const* a = attributes; *a; ++a) {
+            std::string value = tool::attribute(c, *a);
+            if (std::strlen(*a) == 1)
+                lint.number(c, at + '@' + *a, value);
+            else
+                lint.text(c, at + '@' + *a, value, kItemText, false);
+        }
+    }
+}
+
+// The plain and Broadband lists share one count: the last list read sets
+// it, so two lists of different lengths leave a count right for one only.
+void lintSharedCount(const xmlNode* root, tool::Lint& lint, const char* plain,
+                     const char* broadband, const char* item) {
+    const xmlNode* lists[2] = {nullptr, nullptr};
+    for (const xmlNode* c : tool::elementChildren(root))
+        if (tool::named(c, plain) || tool::named(c, broadband))
+            (lists[0] ? lists[1] : lists[0]) = c;
+    if (!lists[1]) return;
+    int counts[2];
+    for (int i = 0; i < 2; ++i) {
+        counts[i] = 0;
+        for (const xmlNode* c : tool::elementChildren(lists[i])) counts[i] += tool::named(c, item);
+        counts[i] = std::min(counts[i], kListCapacity);
+    }
+    if (counts[0] != counts[1])
+        lint.warn(lists[1], std::string(reinterpret_cast<const char*>(lists[1]->name)) + ": " +
+                                std::to_string(counts[1]) + ' ' + item + " here, " +
+                                std::to_string(counts[0]) + " in " +
+                                reinterpret_cast<const char*>(lists[0]->name) + " (line " +
+                                std::to_string(xmlGetLineNo(lists[0])) +
+                                "); the one count both share will be " + std::to_string(counts[1]));
+}
+
+void lint(const xmlNode* root, tool::Lint& lint) {
+    static const char* const kKnown[] = {"thumbnailName",
+                                         "thumbnailNameBroadband",
+                                         "bgImageName",
+                                         "bgImageNameBroadband",
+                                         "maskColor",
+                                         "frames",
+                                         "framesBroadband",
+                                         "texts",
+                                         "textsBroadband",
+                                         "navbtnsInfo",
+                                         "navbtnsInfoBroadband",
+                                         nullptr};
+    static const char* const kFrame[] = {"frameImgName", "imgMaskPath", "x", "y", "w", "h",
+                                         nullptr};
+    static const char* const kText[] = {"x", "y", "w", "h", nullptr};
+    static const char* const kButton[] = {"btnImageName", "x", "y", "w", "h", nullptr};
+    static const char* const kFramesOwn[] = {"frameImgName", "imgMaskPath", nullptr};
+    static const char* const kNone[] = {nullptr};
+    lint.unknownChildren(root, "", kKnown);
+    for (int i = 0; i < 5; ++i) {
+        const char* name = kKnown[i];
+        lint.repeated(root, "", name, false);
+        std::size_t width = i == 4 ? sizeof(DVDMenu{}.maskColor) : sizeof(DVDMenu{}.bgImageName);
+        for (const xmlNode* c : tool::elementChildren(root))
+            if (tool::named(c, name)) lint.text(c, name, tool::content(c), width, false);
+    }
+    for (const xmlNode* c : tool::elementChildren(root)) {
+        if (tool::named(c, "frames") || tool::named(c, "framesBroadband")) {
+            bool plain = tool::named(c, "frames");
+            lint.unknownAttributes(c, reinterpret_cast<const char*>(c->name),
+                                   plain ? kFramesOwn : kNone);
+            for (const char* a : {"frameImgName", "imgMaskPath"})
+                if (plain)
+                    lint.text(c, std::string("frames@") + a, tool::attribute(c, a),
+                              sizeof(DVDMenu{}.frameImgName), false);
+            lintItems(c, lint, "frameRc", kListCapacity, kFrame);
+        } else if (tool::named(c, "texts") || tool::named(c, "textsBroadband")) {
+            lintItems(c, lint, "textRc", kListCapacity, kText);
+        } else if (tool::named(c, "navbtnsInfo") || tool::named(c, "navbtnsInfoBroadband")) {
+            lintItems(c, lint, "btnInfo", kButtonCapacity, kButton);
+        }
+    }
+    lintSharedCount(root, lint, "frames", "framesBroadband", "frameRc");
+    lintSharedCount(root, lint, "texts", "textsBroadband", "textRc");
+}
+
+tool::RegisterFamily family({"DVD menu template",
+                             "any root holding template elements such as \"frames\"", recognise,
+                             show, nullptr, lint, false});
 
 // ---- kelprofile dvd -------------------------------------------------------
 

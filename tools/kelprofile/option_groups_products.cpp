@@ -33,13 +33,12 @@ void showChild(tool::Printer& p, const ChildOptionItem& child, int j) {
         .close();
 }
 
-bool showGroup(const char* path, std::ostream& out) {
+bool showGroup(const char* path, tool::Printer& p) {
     GroupOPtion* group = createGroupOPtion(nullptr);
     if (!group || praseOPtionXmlFile(path, group) != 0) {
         freeGroupOPtion(&group);
         return false;
     }
-    tool::Printer p(out);
     for (int k = 0; k < group->optionItemCount; ++k) {
         const OptionItem& item = group->optionItems[k];
         p.open("optionItem", k)
@@ -55,10 +54,9 @@ bool showGroup(const char* path, std::ostream& out) {
     return true;
 }
 
-bool showProducts(const char* path, std::ostream& out) {
+bool showProducts(const char* path, tool::Printer& p) {
     RecordArray result{nullptr, 0};
     if (praseProductXmlFile(path, &result) != 0) return false;
-    tool::Printer p(out);
     const auto* products = static_cast<const ProductInfo*>(result.records);
     for (int k = 0; k < result.count; ++k)
         p.open("product", k)
@@ -71,11 +69,83 @@ bool showProducts(const char* path, std::ostream& out) {
     return true;
 }
 
-tool::RegisterFamily groups({"option groups",
+// ---- lint: what the readers keep of the files -------------------------------
+
+// Heap texts hold at most 1023 bytes.
+constexpr std::size_t kHeapText = 1024;
+
+void lintType(const xmlNode* node, tool::Lint& lint, const std::string& where,
+              const char* attribute) {
+    bool present = false;
+    std::string word = tool::attribute(node, attribute, &present);
+    bool display = std::strcmp(attribute, "displayType") == 0;
+    int code = display ? findDisplayType(word.data()) : findValueType(word.data());
+    if (present && code == 0)
+        lint.warn(node, where + '@' + attribute + ": '" + word + "' is not a " +
+                            (display ? "display" : "value") +
+                            " type word the reader knows; it reads as 0");
+}
+
+// The attributes both levels share, and the heap texts of the given names.
+void lintOption(const xmlNode* node, tool::Lint& lint, const std::string& where,
+                const char* const* attributes, const char* const* children) {
+    lint.unknownAttributes(node, where, attributes);
+    lint.text(node, where + "@name", tool::attribute(node, "name"), sizeof(OptionItem{}.name),
+              false);
+    lint.number(node, where + "@readyOnly", tool::attribute(node, "readyOnly"));
+    for (const char* const* a = attributes; *a; ++a)
+        if (std::strstr(*a, "Type")) lintType(node, lint, where, *a);
+    lint.unknownChildren(node, where, children);
+    for (const char* const* name = children; *name; ++name) {
+        if (std::strcmp(*name, "childOptionItem") == 0) continue;
+        lint.repeated(node, where, *name, true);
+        for (const xmlNode* c : tool::elementChildren(node))
+            if (tool::named(c, *name))
+                lint.text(c, where + '/' + *name, tool::content(c), kHeapText, true);
+    }
+}
+
+void lintGroup(const xmlNode* root, tool::Lint& lint) {
+    static const char* const kRoot[] = {"optionItem", nullptr};
+    static const char* const kItem[] = {"name", "readyOnly", "displayType", nullptr};
+    static const char* const kItemChildren[] = {"childOptionItem", "Description", nullptr};
+    static const char* const kChild[] = {"name", "readyOnly", "displayType", "valueType", nullptr};
+    static const char* const kChildChildren[] = {"Values", "DefaultValue", "Description", nullptr};
+    lint.unknownChildren(root, "", kRoot);
+    for (const xmlNode* item : tool::elementChildren(root)) {
+        if (!tool::named(item, "optionItem")) continue;
+        lintOption(item, lint, "optionItem", kItem, kItemChildren);
+        for (const xmlNode* child : tool::elementChildren(item))
+            if (tool::named(child, "childOptionItem"))
+                lintOption(child, lint, "optionItem/childOptionItem", kChild, kChildChildren);
+    }
+}
+
+void lintProducts(const xmlNode* root, tool::Lint& lint) {
+    static const char* const kRoot[] = {"product", nullptr};
+    static const char* const kFields[] = {"title", "content", "buttonName", "linkURl", nullptr};
+    const std::size_t widths[] = {sizeof(ProductInfo{}.title), sizeof(ProductInfo{}.content),
+                                  sizeof(ProductInfo{}.buttonName), sizeof(ProductInfo{}.linkURl)};
+    lint.unknownChildren(root, "", kRoot);
+    for (const xmlNode* product : tool::elementChildren(root)) {
+        if (!tool::named(product, "product")) continue;
+        lint.unknownChildren(product, "product", kFields);
+        for (int f = 0; kFields[f]; ++f) {
+            // An element without text leaves its field as it was.
+            lint.repeated(product, "product", kFields[f], false);
+            for (const xmlNode* c : tool::elementChildren(product))
+                if (tool::named(c, kFields[f]))
+                    lint.text(c, std::string("product/") + kFields[f], tool::content(c), widths[f],
+                              true);
+        }
+    }
+}
+
+tool::RegisterFamily groups({"option groups", "\"groupOption\"",
                              [](const xmlNode* root) { return hasRoot(root, "groupOption"); },
-                             showGroup, nullptr});
-tool::RegisterFamily products({"product information",
+                             showGroup, nullptr, lintGroup, true});
+tool::RegisterFamily products({"product information", "\"products\"",
                                [](const xmlNode* root) { return hasRoot(root, "products"); },
-                               showProducts, nullptr});
+                               showProducts, nullptr, lintProducts, true});
 
 }  // namespace

@@ -11,10 +11,9 @@ bool recognise(const xmlNode* root) {
     return std::strcmp(reinterpret_cast<const char*>(root->name), "Profiles") == 0;
 }
 
-// "label 0", "label 1", ...: one line per language slot.
+// One text per language slot.
 void perLanguage(tool::Printer& p, const char* label, char* const (&texts)[10], int slots) {
-    for (int s = 0; s < slots; ++s)
-        p.gbk((std::string(label) + ' ' + std::to_string(s)).c_str(), texts[s]);
+    for (int s = 0; s < slots; ++s) p.gbkAt(label, s, texts[s]);
 }
 
 std::string typeName(int code, const char* name) {
@@ -43,11 +42,10 @@ void showItem(tool::Printer& p, const ConfigItem& item, int k, int slots) {
     p.close();
 }
 
-bool show(const char* path, std::ostream& out) {
+bool show(const char* path, tool::Printer& p) {
     Profile record;
     if (praseXmlFile(path, &record) != 0) return false;
     int slots = record.langCount;  // 1 to 10 after a read
-    tool::Printer p(out);
     p.text("fileName", record.fileName)
         .gbk("name", record.name)
         .number("langCount", record.langCount);
@@ -77,6 +75,7 @@ int rewrite(const char* src, const char* dst) {
     return result;
 }
 
-tool::RegisterFamily family({"conversion profiles", recognise, show, rewrite});
+tool::RegisterFamily family({"conversion profiles", "\"Profiles\"", recognise, show, rewrite,
+                             nullptr, true});
 
 }  // namespace

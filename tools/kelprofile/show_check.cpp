@@ -16,22 +16,24 @@ namespace fs = std::filesystem;
 namespace {
 
 int show(const std::vector<std::string>& args) {
-    if (args.empty()) {
+    bool json = !args.empty() && args[0] == "--json";
+    std::vector<std::string> paths(args.begin() + (json ? 1 : 0), args.end());
+    if (paths.empty()) {
         tool::error("show needs at least one FILE");
         return tool::kUsage;
     }
+    if (json) return tool::showJson(paths);
     int status = tool::kOk;
-    for (const std::string& path : args) {
-        const tool::Family* family = tool::familyOf(path.c_str());
-        if (!family) {
-            tool::error(path +
-                        ": not a file kelprofile knows (missing, not XML, or an unknown root)");
+    for (const std::string& path : paths) {
+        tool::Parsed parsed = tool::identify(path);
+        if (!parsed.family) {
+            std::cerr << parsed.error << '\n';
             status = tool::kFailed;
             continue;
         }
-        std::cout << "== " << path << " (" << family->name << ")\n";
-        if (!family->show(path.c_str(), std::cout)) {
-            tool::error(path + ": the library cannot read it");
+        std::cout << "== " << path << " (" << parsed.family->name << ")\n";
+        if (!parsed.family->show(path.c_str(), *tool::textPrinter(std::cout))) {
+            std::cerr << path << ": error: the library cannot read it\n";
             status = tool::kFailed;
         }
     }
@@ -47,7 +49,7 @@ bool isXmlName(const fs::path& p) {
 // through another path changes by design.
 std::vector<std::string> dump(const tool::Family& family, const char* path, bool& ok) {
     std::ostringstream out;
-    ok = family.show(path, out);
+    ok = family.show(path, *tool::textPrinter(out));
     std::vector<std::string> lines;
     std::istringstream in(out.str());
     for (std::string line; std::getline(in, line);)
@@ -146,9 +148,10 @@ int check(const std::vector<std::string>& args) {
 
     int ok = 0, failed = 0, unknown = 0;
     for (const fs::path& file : files) {
-        const tool::Family* family = tool::familyOf(file.c_str());
+        tool::Parsed parsed = tool::identify(file.string());
+        const tool::Family* family = parsed.family;
         if (!family) {
-            std::cout << "skip    " << file.string() << ": not a file kelprofile knows\n";
+            std::cout << "skip    " << parsed.error << '\n';
             ++unknown;
             continue;
         }
@@ -185,9 +188,11 @@ int check(const std::vector<std::string>& args) {
     return failed ? tool::kFailed : tool::kOk;
 }
 
-tool::RegisterCommand showCommand({"show", "FILE...",
-                                   "prints the records of each file, record text shown as UTF-8",
-                                   show});
+tool::RegisterCommand showCommand(
+    {"show", "[--json] FILE...",
+     "prints the records of each file, record text shown as UTF-8; with --json one JSON\n"
+     "      array of {path, family, record} objects",
+     show});
 tool::RegisterCommand checkCommand(
     {"check", "DIR",
      "reads every known file below DIR, writes it back to a temporary folder, reads it again\n"

@@ -11,10 +11,9 @@ bool recognise(const xmlNode* root) {
     return std::strcmp(reinterpret_cast<const char*>(root->name), "tempOption") == 0;
 }
 
-bool show(const char* path, std::ostream& out) {
+bool show(const char* path, tool::Printer& p) {
     TempOption record;
     if (praseOptionXmlFile(path, &record) != 0) return false;
-    tool::Printer p(out);
     p.number("isSystem", record.isSystem).gbk("profileName", record.profileName);
     for (int i = 0; i < record.tempItemCount; ++i)
         p.open("optionItem", i)
@@ -33,6 +32,7 @@ int rewrite(const char* src, const char* dst) {
     return result;
 }
 
-tool::RegisterFamily family({"temporary options", recognise, show, rewrite});
+tool::RegisterFamily family({"temporary options", "\"tempOption\"", recognise, show, rewrite,
+                             nullptr, true});
 
 }  // namespace

@@ -89,11 +89,10 @@ void playItem(tool::Printer& p, const PlayItem& item, int i) {
     p.close();
 }
 
-bool show(const char* path, std::ostream& out) {
+bool show(const char* path, tool::Printer& p) {
     Project project;
     if (!project.read(path)) return false;
     const KELProject& r = *project;
-    tool::Printer p(out);
     p.text("playskin", r.playskin)
         .number("playerBG", r.playerBG)
         .number("publishXmlIsOut", r.publishXmlIsOut)
@@ -103,8 +102,7 @@ bool show(const char* path, std::ostream& out) {
         .text("optionFileName", r.optionFileName)
         .text("option", r.option)
         .number("addOnCount", r.addOns.count);
-    for (int i = 0; i < r.addOns.count; ++i)
-        p.text(("addOn " + std::to_string(i)).c_str(), r.addOns.href[i]);
+    for (int i = 0; i < r.addOns.count; ++i) p.textAt("addOn", i, r.addOns.href[i]);
     for (int i = 0; i < r.playItemCount; ++i) playItem(p, r.playItems[i], i);
     return true;
 }
@@ -115,7 +113,8 @@ int rewrite(const char* src, const char* dst) {
     return saveWebPlayerXmlFile(dst, &*project);
 }
 
-tool::RegisterFamily family({"web-player projects", recognise, show, rewrite});
+tool::RegisterFamily family({"web-player projects", "\"ZorvanWebPlayerPrj\"", recognise, show,
+                             rewrite, nullptr, false});
 
 // ---- kelprofile publish -----------------------------------------------------
 
