@@ -5,8 +5,9 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev)
 if [ "${1:-}" = "--tests" ]; then
-  # GoogleTest, Google Benchmark, and the DVD tools the authoring test drives.
-  packages+=(libgtest-dev libbenchmark-dev dvdauthor ffmpeg)
+  # GoogleTest, the DVD tools the authoring test drives, and the lxml the
+  # benchmark compares with.
+  packages+=(libgtest-dev dvdauthor ffmpeg python3-lxml)
 fi
 
 missing=()
