@@ -1,15 +1,45 @@
-// Loading a folder of 512 profiles with praseXMLFolder, against a baseline
-// that only parses and frees the same files with libxml2. After the runs
-// it prints how many times the baseline's time the loader takes.
-#include <benchmark/benchmark.h>
+// How much the library costs beyond libxml2 itself, in process CPU time.
+//
+// Loading folders of generated profiles (512 files of 20 items, 64 files of
+// 200 items) with praseXMLFolder is measured against libxml2 parsing the
+// same files: parse + free; parse + free + xmlCleanupParser/xmlMemoryDump
+// (what every read of the library ends with); and the floor the record
+// contract sets (that parse plus the zeroed blocks every read record must
+// own: the block of records, each file's items, each item's room for 20
+// list entries). Python lxml loading the same folder into dicts is measured
+// too (bench/lxml_folder.py, when python3 with lxml is found).
+//
+// Warm figures: every variant runs once untimed, then the variants take
+// turns for a number of rounds, so that each sees the same machine load;
+// the median of each is kept. Cold figures: each run is a fresh process
+// (this program started again), the variants again taking turns; the same
+// runs give the peak memory. Every family's reader and writer is measured
+// warm on its example file, against libxml2 parsing it (readers) or copying
+// the parsed tree and saving it (writers).
+//
+//   folder_bench [--rounds N]     the table
+//   folder_bench --generate DIR   writes the two folders into DIR
+//   folder_bench --repeat parse|cleanup|floor|loader FOLDER N
+//                                 one variant N times warm, for profilers
 #include <libxml/parser.h>
+#include <libxml/tree.h>
+#include <libxml/xmlmemory.h>
+#include <malloc.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/utsname.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <map>
+#include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -19,15 +49,32 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kFiles = 512;
-constexpr int kItems = 20;
+// The baselines parse as a program using libxml2 would; the floor parses as
+// the library does (the same tree, short texts kept inside their nodes).
+constexpr int kParseOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+constexpr int kLibraryParseOptions = kParseOptions | XML_PARSE_COMPACT;
+
+double cpuMs() {
+    timespec ts;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+    return ts.tv_sec * 1e3 + ts.tv_nsec / 1e6;
+}
+
+double median(std::vector<double> v) {
+    if (v.empty()) return 0;
+    std::sort(v.begin(), v.end());
+    std::size_t n = v.size();
+    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
+}
+
+// ---- the generated folders ---------------------------------------------------
 
 // One configuration item in English and Chinese; every other one a list.
-void addItem(std::string& xml, int file, int item) {
+void addItem(std::string& xml, int file, int item, int items) {
     std::string n = std::to_string(item);
     bool list = item % 2 == 0;
     xml += "    <ConfigItem name=\"video.option" + n + "\" group=\"" +
-           (item < kItems / 2 ? "video" : "audio") + "\" readyOnly=\"" +
+           (item < items / 2 ? "video" : "audio") + "\" readyOnly=\"" +
            (item % 7 == 0 ? "1" : "0") + "\" displayType=\"" + (list ? "list" : "input") +
            "\" valueType=\"" + (list ? "string" : "int") + "\">\n";
     xml += "      <Label lang=\"en\">Option " + n + " of profile " + std::to_string(file) +
@@ -51,7 +98,7 @@ void addItem(std::string& xml, int file, int item) {
     xml += "    </ConfigItem>\n";
 }
 
-std::string profile(int file) {
+std::string profile(int file, int items) {
     std::string n = std::to_string(file);
     std::string xml = R"(<?xml version="1.0" encoding="UTF-8"?>
 <Profiles>
@@ -78,125 +125,557 @@ std::string profile(int file) {
   </Group>
   <Config>
 )";
-    for (int item = 0; item < kItems; ++item) addItem(xml, file, item);
+    for (int item = 0; item < items; ++item) addItem(xml, file, item, items);
     return xml + "  </Config>\n</Profiles>\n";
 }
 
-// The generated folder, removed at exit.
-class ProfileFolder {
+// A temporary folder, removed at exit.
+class TempFolder {
 public:
-    ProfileFolder() {
+    TempFolder() {
         std::string pattern = (fs::temp_directory_path() / "kelprofile-bench-XXXXXX").string();
         if (!mkdtemp(pattern.data())) std::abort();
         path_ = pattern;
-        for (int i = 0; i < kFiles; ++i) {
-            fs::path file = path_ / ("profile" + std::to_string(i) + ".xml");
-            std::ofstream(file, std::ios::binary) << profile(i);
-            files_.push_back(file.string());
-        }
     }
-    ~ProfileFolder() {
+    ~TempFolder() {
         std::error_code ec;
         fs::remove_all(path_, ec);
     }
     const fs::path& path() const { return path_; }
-    const std::vector<std::string>& files() const { return files_; }
 
 private:
     fs::path path_;
-    std::vector<std::string> files_;
 };
 
-const ProfileFolder& folder() {
-    static ProfileFolder generated;
-    return generated;
-}
+// A folder of generated profiles; paths in the order the scan finds them.
+struct ProfileFolder {
+    ProfileFolder(int files, int items) : files(files), items(items) {}
+    int files;
+    int items;
+    fs::path path;
+    std::vector<std::string> paths;
+    std::uintmax_t bytes = 0;
 
-void ParseAndFreeOnly(benchmark::State& state) {
-    for (auto _ : state) {
-        for (const std::string& file : folder().files()) {
-            xmlDoc* doc = xmlReadFile(file.c_str(), nullptr,
-                                      XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING);
-            benchmark::DoNotOptimize(doc);
-            xmlFreeDoc(doc);
+    void write(const fs::path& parent) {
+        path = parent / (std::to_string(files) + "x" + std::to_string(items));
+        fs::create_directories(path);
+        for (int i = 0; i < files; ++i) {
+            char name[32];
+            std::snprintf(name, sizeof name, "profile%04d.xml", i);
+            std::string text = profile(i, items);
+            std::ofstream(path / name, std::ios::binary) << text;
+            paths.push_back((path / name).string());
+            bytes += text.size();
         }
     }
-    state.counters["files"] = kFiles;
-}
-BENCHMARK(ParseAndFreeOnly)->Unit(benchmark::kMillisecond);
+    std::string label() const {
+        return std::to_string(files) + " files x " + std::to_string(items) + " items";
+    }
+};
 
-// Releases what a load read (not timed) and checks it read every file.
-void release(benchmark::State& state, Profile* records, int count) {
-    state.PauseTiming();
-    for (int i = 0; i < count; ++i) freeProfile(&records[i]);
+// ---- the variants of one folder load ----------------------------------------
+
+void parseAndFree(const std::vector<std::string>& paths, bool cleanup) {
+    for (const std::string& path : paths) {
+        xmlFreeDoc(xmlReadFile(path.c_str(), nullptr, kParseOptions));
+        if (cleanup) {
+            xmlCleanupParser();
+            xmlMemoryDump();
+        }
+    }
+}
+
+xmlNode* child(xmlNode* parent, const char* name) {
+    for (xmlNode* n = parent ? parent->children : nullptr; n; n = n->next)
+        if (n->type == XML_ELEMENT_NODE &&
+            std::strcmp(reinterpret_cast<const char*>(n->name), name) == 0)
+            return n;
+    return nullptr;
+}
+
+// The library's parse with cleanup, plus the zeroed blocks a read of every
+// file must leave, allocated as a reader allocates them: the records, and
+// per file its items and each item's 20 list entries. Blocks collects them.
+void contractFloor(const std::vector<std::string>& paths, std::vector<void*>& blocks) {
+    blocks.push_back(std::calloc(paths.size(), sizeof(Profile)));
+    for (const std::string& path : paths) {
+        xmlDoc* doc = xmlReadFile(path.c_str(), nullptr, kLibraryParseOptions);
+        xmlNode* config = child(xmlDocGetRootElement(doc), "Config");
+        std::size_t items = 0;
+        for (xmlNode* n = config ? config->children : nullptr; n; n = n->next)
+            if (n->type == XML_ELEMENT_NODE) ++items;
+        blocks.push_back(std::calloc(items, sizeof(ConfigItem)));
+        for (std::size_t i = 0; i < items; ++i)
+            blocks.push_back(std::calloc(20, sizeof(ListEntry)));
+        xmlFreeDoc(doc);
+        xmlCleanupParser();
+        xmlMemoryDump();
+    }
+}
+
+void releaseBlocks(std::vector<void*>& blocks) {
+    for (void* block : blocks) std::free(block);
+    blocks.clear();
+}
+
+RecordArray loadFolder(const fs::path& folder) {
+    RecordArray result{nullptr, 0};
+    praseXMLFolder(folder.c_str(), &result);
+    return result;
+}
+
+void releaseFolder(RecordArray& result) {
+    auto* records = static_cast<Profile*>(result.records);
+    for (int i = 0; i < result.count; ++i) freeProfile(&records[i]);
     std::free(records);
-    if (count != kFiles) state.SkipWithError("not every profile was read");
-    state.ResumeTiming();
+    result = {nullptr, 0};
 }
 
-void PraseXMLFolder(benchmark::State& state) {
-    for (auto _ : state) {
-        RecordArray result{nullptr, 0};
-        praseXMLFolder(folder().path().c_str(), &result);
-        release(state, static_cast<Profile*>(result.records), result.count);
-    }
-    state.counters["files"] = kFiles;
-}
-BENCHMARK(PraseXMLFolder)->Unit(benchmark::kMillisecond);
+// ---- running variants ---------------------------------------------------------
 
-// The per-file reader on the same paths, into a block as the loader uses:
-// what the loader costs beyond its reader is the scan and the block.
-void PraseXmlFileEach(benchmark::State& state) {
-    for (auto _ : state) {
-        auto* records = static_cast<Profile*>(std::calloc(kFiles, sizeof(Profile)));
-        int count = 0;
-        for (const std::string& file : folder().files())
-            if (praseXmlFile(file.c_str(), &records[count]) == 0) ++count;
-        release(state, records, count);
-    }
-    state.counters["files"] = kFiles;
-}
-BENCHMARK(PraseXmlFileEach)->Unit(benchmark::kMillisecond);
-
-// Console output as usual; keeps the best real time per iteration of each
-// benchmark (over repetitions) for the ratio.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.iterations <= 0) continue;
-            double perIteration = run.real_accumulated_time / run.iterations;
-            auto [it, added] = seconds_.emplace(run.benchmark_name(), perIteration);
-            if (!added && perIteration < it->second) it->second = perIteration;
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    double seconds(const std::string& name) const {
-        auto it = seconds_.find(name);
-        return it == seconds_.end() ? 0 : it->second;
-    }
-
-private:
-    std::map<std::string, double> seconds_;
+// A variant runs once and gives the CPU milliseconds of what it measures
+// (negative when it cannot run).
+struct Variant {
+    std::string name;
+    std::function<double()> run;
 };
+
+// Times work, then runs release untimed.
+Variant timed(std::string name, std::function<void()> work, std::function<void()> release = {}) {
+    return {std::move(name), [work, release] {
+                double start = cpuMs();
+                work();
+                double ms = cpuMs() - start;
+                if (release) release();
+                return ms;
+            }};
+}
+
+// Each variant once untimed, then rounds turns of all; the median of each.
+std::vector<double> interleaved(const std::vector<Variant>& variants, int rounds) {
+    for (const Variant& v : variants) v.run();
+    std::vector<std::vector<double>> times(variants.size());
+    for (int r = 0; r < rounds; ++r)
+        for (std::size_t i = 0; i < variants.size(); ++i) {
+            double ms = variants[i].run();
+            if (ms >= 0) times[i].push_back(ms);
+        }
+    std::vector<double> medians;
+    for (const auto& t : times) medians.push_back(median(t));
+    return medians;
+}
+
+// The output of a command, or "" when it fails. The command is spawned
+// without copying this process's page tables (as fork would), so that the
+// heap of the warm runs is not made copy-on-write, which would charge a
+// page fault for each page the next run writes.
+std::string output(const std::vector<std::string>& args) {
+    int fds[2];
+    if (pipe(fds) != 0) return "";
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, fds[1], 1);
+    posix_spawn_file_actions_addclose(&actions, fds[0]);
+    posix_spawn_file_actions_addclose(&actions, fds[1]);
+    std::vector<char*> argv;
+    for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
+    argv.push_back(nullptr);
+    pid_t pid;
+    bool spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
+    posix_spawn_file_actions_destroy(&actions);
+    close(fds[1]);
+    std::string text;
+    char buf[4096];
+    for (ssize_t n; spawned && (n = read(fds[0], buf, sizeof buf)) > 0;) text.append(buf, n);
+    close(fds[0]);
+    int status = 0;
+    if (!spawned || waitpid(pid, &status, 0) != pid) return "";
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? text : "";
+}
+
+std::string gSelf;  // this program, for the cold runs
+std::string gLxml;  // the lxml script, or "" when python3 has no lxml
+
+// The lxml script loading folder in a fresh interpreter, after warmup
+// untimed loads.
+Variant lxml(const fs::path& folder, int warmup) {
+    return {"lxml", [folder, warmup] {
+                if (gLxml.empty()) return -1.0;
+                std::string out = output({"/usr/bin/python3", gLxml, folder.string(), "--warmup",
+                                          std::to_string(warmup), "--rounds", "1"});
+                return out.empty() ? -1.0 : std::atof(out.c_str());
+            }};
+}
+
+// One cold run in a fresh process: its CPU ms, and the growth of its
+// resident memory during the run (KiB) in peak.
+Variant cold(const std::string& what, const fs::path& folder,
+             std::vector<double>* peaks = nullptr) {
+    return {what, [what, folder, peaks] {
+                std::string out = output({gSelf, "--cold", what, folder.string()});
+                double ms = -1, peak = 0;
+                if (std::sscanf(out.c_str(), "%lf %lf", &ms, &peak) != 2) return -1.0;
+                if (peaks) peaks->push_back(peak);
+                return ms;
+            }};
+}
+
+long residentKiB() {
+    long pages = 0, resident = 0;
+    if (FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
+        std::fclose(f);
+    }
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+std::size_t heapInUse() {
+    struct mallinfo2 m = mallinfo2();
+    return m.uordblks + m.hblkhd;
+}
+
+// The child of a cold run: runs one variant once in this fresh process and
+// prints its CPU ms and the growth of the resident memory it caused.
+int coldChild(const std::string& what, const fs::path& folder) {
+    std::vector<std::string> paths;
+    for (const auto& e : fs::directory_iterator(folder)) paths.push_back(e.path().string());
+    std::sort(paths.begin(), paths.end());
+    long before = residentKiB();
+    double start = cpuMs();
+    if (what == "parse") {
+        parseAndFree(paths, false);
+    } else if (what == "cleanup") {
+        parseAndFree(paths, true);
+    } else if (what == "floor") {
+        std::vector<void*> blocks;
+        contractFloor(paths, blocks);
+    } else if (what == "loader") {
+        RecordArray result = loadFolder(folder);
+        if (result.count != static_cast<int>(paths.size())) return 1;
+    } else if (what == "memory") {
+        // What the contract needs at the peak: the records a load leaves,
+        // and one parsed document (the largest) beside them.
+        std::size_t base = heapInUse();
+        RecordArray result = loadFolder(folder);
+        std::size_t records = heapInUse() - base;
+        (void)result;  // the process ends with the records still held
+        std::string largest = *std::max_element(paths.begin(), paths.end(),
+                                                [](const std::string& a, const std::string& b) {
+                                                    return fs::file_size(a) < fs::file_size(b);
+                                                });
+        base = heapInUse();
+        xmlDoc* doc = xmlReadFile(largest.c_str(), nullptr, kLibraryParseOptions);
+        std::size_t document = heapInUse() - base;
+        xmlFreeDoc(doc);
+        std::printf("%zu %zu\n", records, document);
+        return 0;
+    } else {
+        return 1;
+    }
+    double ms = cpuMs() - start;
+    struct rusage usage;
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%.3f %ld\n", ms, usage.ru_maxrss - before);
+    return 0;
+}
+
+// One variant run times in this process on a folder (for profilers): prints
+// the CPU ms of each run.
+int repeat(const std::string& what, const fs::path& folder, int times) {
+    std::vector<std::string> paths;
+    for (const auto& e : fs::directory_iterator(folder)) paths.push_back(e.path().string());
+    std::sort(paths.begin(), paths.end());
+    std::vector<void*> blocks;
+    RecordArray loaded{nullptr, 0};
+    Variant v =
+        what == "floor"
+            ? timed(
+                  what, [&] { contractFloor(paths, blocks); }, [&] { releaseBlocks(blocks); })
+        : what == "loader"
+            ? timed(
+                  what, [&] { loaded = loadFolder(folder); }, [&] { releaseFolder(loaded); })
+            : timed(what, [&] { parseAndFree(paths, what == "cleanup"); });
+    for (int i = 0; i < times; ++i) std::printf("%.2f\n", v.run());
+    return 0;
+}
+
+// Warm runs in this process take a heap that is already grown and stays
+// so: nothing is given back to the system between runs and no block is
+// mapped on its own, whatever the order in which a variant releases its
+// blocks (else a variant whose last free happens to reach the top of the
+// heap would pay its page faults again on every run). The cold runs keep
+// the allocator's defaults, as a host starts with them. The library itself
+// never tunes the allocator: these settings are process-wide, the host's.
+void keepHeapGrown() {
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+}
+
+// ---- the table ------------------------------------------------------------------
+
+void row(const char* what, double ms, std::initializer_list<double> baselines) {
+    std::printf("| %-34s | %9.2f |", what, ms);
+    for (double b : baselines) {
+        if (b > 0) {
+            std::printf(" %6.2fx |", ms / b);
+        } else {
+            std::printf(" %7s |", "-");
+        }
+    }
+    std::printf("\n");
+}
+
+void folderRows(const ProfileFolder& folder, int rounds) {
+    std::vector<void*> blocks;
+    RecordArray loaded{nullptr, 0};
+    const auto& paths = folder.paths;
+    std::vector<Variant> warm = {
+        timed("parse", [&] { parseAndFree(paths, false); }),
+        timed("cleanup", [&] { parseAndFree(paths, true); }),
+        timed(
+            "floor", [&] { contractFloor(paths, blocks); }, [&] { releaseBlocks(blocks); }),
+        timed(
+            "loader", [&] { loaded = loadFolder(folder.path); }, [&] { releaseFolder(loaded); }),
+        lxml(folder.path, 1),
+    };
+    std::vector<double> w = interleaved(warm, rounds);
+    std::string label = folder.label() + ", warm";
+    row(label.c_str(), w[3], {w[0], w[1], w[2], w[4]});
+
+    std::vector<double> peaks;
+    std::vector<Variant> fresh = {
+        cold("parse", folder.path), cold("cleanup", folder.path),
+        cold("floor", folder.path), cold("loader", folder.path, &peaks),
+        lxml(folder.path, 0),
+    };
+    std::vector<double> c = interleaved(fresh, rounds);
+    label = folder.label() + ", cold";
+    row(label.c_str(), c[3], {c[0], c[1], c[2], c[4]});
+
+    std::size_t records = 0, document = 0;
+    std::sscanf(output({gSelf, "--cold", "memory", folder.path.string()}).c_str(), "%zu %zu",
+                &records, &document);
+    double peakMiB = median(peaks) / 1024, neededMiB = (records + document) / 1048576.0;
+    std::printf("| %-34s | %6.1f MiB peak, %.2fx the %.1f MiB of records + one document |\n",
+                (folder.label() + ", memory").c_str(), peakMiB,
+                neededMiB > 0 ? peakMiB / neededMiB : 0, neededMiB);
+}
+
+// ---- the other families ---------------------------------------------------------
+
+constexpr int kReads = 200;  // reads or writes of one file per run
+
+fs::path example(const char* name) {
+    return fs::path(KELPROFILE_SOURCE_DIR) / "examples" / name;
+}
+
+// A reader on its file against libxml2's parse + free + cleanup of it.
+void readerRow(const char* what, const fs::path& file, std::function<void()> readOnce,
+               std::function<void()> releaseAll, int rounds) {
+    std::vector<std::string> paths(kReads, file.string());
+    std::vector<Variant> variants = {
+        timed("cleanup", [&] { parseAndFree(paths, true); }),
+        timed(
+            "reader",
+            [&] {
+                for (int i = 0; i < kReads; ++i) readOnce();
+            },
+            releaseAll),
+    };
+    std::vector<double> t = interleaved(variants, rounds);
+    row(what, t[1], {t[0]});
+}
+
+// A writer against libxml2 copying the tree of the file the writer wrote
+// and saving it the same way.
+void writerRow(const char* what, const fs::path& target, std::function<int()> writeOnce,
+               int rounds) {
+    if (writeOnce() != 0) {
+        std::printf("| %-34s | the writer failed |\n", what);
+        return;
+    }
+    xmlDoc* written = xmlReadFile(target.c_str(), nullptr, kParseOptions);
+    std::string copyPath = target.string() + ".copy.xml";
+    std::vector<Variant> variants = {
+        timed("copy+save",
+              [&] {
+                  for (int i = 0; i < kReads; ++i) {
+                      xmlDoc* copy = xmlCopyDoc(written, 1);
+                      xmlSaveFormatFileEnc(copyPath.c_str(), copy, "UTF-8", 1);
+                      xmlFreeDoc(copy);
+                  }
+              }),
+        timed("writer",
+              [&] {
+                  for (int i = 0; i < kReads; ++i) writeOnce();
+              }),
+    };
+    std::vector<double> t = interleaved(variants, rounds);
+    xmlFreeDoc(written);
+    row(what, t[1], {t[0]});
+}
+
+void familyRows(const ProfileFolder& folder, const fs::path& scratch, int rounds) {
+    std::printf("\n| %-34s | %9s | %7s |\n|%s|%s|%s|\n", "reader (200 reads of one file)", "ms",
+                "/parse+free+cleanup", std::string(36, '-').c_str(), std::string(11, '-').c_str(),
+                std::string(21, '-').c_str());
+    auto readerRowOf = [&](const char* what, const fs::path& file, auto& records, auto read,
+                           auto release) {
+        records.resize(kReads);
+        int next = 0;
+        readerRow(
+            what, file, [&] { read(file.c_str(), &records[next++ % kReads]); },
+            [&] {
+                for (auto& r : records) release(r);
+                next = 0;
+            },
+            rounds);
+    };
+    std::vector<Profile> profiles;
+    readerRowOf("profile (20 items)", folder.paths[0], profiles, praseXmlFile,
+                [](Profile& p) { freeProfile(&p); });
+    std::vector<Customize> customs;
+    readerRowOf("customization", example("customize/web-showcase.xml"), customs,
+                praseCustomizeXmlFile, [](Customize& c) {
+                    freeCustomize(&c);
+                    std::memset(&c, 0, sizeof c);
+                });
+    std::vector<KELProject*> projects;
+    readerRowOf(
+        "web-player project", example("webplayer/travel-showreel.xml"), projects,
+        [](const char* path, KELProject** p) { openWebPlayerXmlFile(path, createKELProject(p)); },
+        [](KELProject*& p) { freeKELProject(&p); });
+    std::vector<GroupOPtion*> groups;
+    readerRowOf(
+        "option group", example("options/export-settings.xml"), groups,
+        [](const char* path, GroupOPtion** g) { praseOPtionXmlFile(path, createGroupOPtion(g)); },
+        [](GroupOPtion*& g) { freeGroupOPtion(&g); });
+    std::vector<TempOption> temps;
+    readerRowOf("temporary options", example("options/last-session.xml"), temps, praseOptionXmlFile,
+                [](TempOption& t) {
+                    std::free(t.tempItems);
+                    t.tempItems = nullptr;
+                });
+    std::vector<RecordArray> products;
+    readerRowOf("products", example("products/products.xml"), products, praseProductXmlFile,
+                [](RecordArray& a) {
+                    std::free(a.records);
+                    a.records = nullptr;
+                });
+    std::vector<DVDMenu> menus;
+    readerRowOf("DVD menu template", example("dvd/film-strip.xml"), menus, praseDVDMenuXmlFile,
+                [](DVDMenu&) {});
+
+    std::printf("\n| %-34s | %9s | %7s |\n|%s|%s|%s|\n", "writer (200 writes of one file)", "ms",
+                "/tree copy+save", std::string(36, '-').c_str(), std::string(11, '-').c_str(),
+                std::string(17, '-').c_str());
+    fs::path out = scratch / "written.xml";
+    Profile p{};
+    praseXmlFile(folder.paths[0].c_str(), &p);
+    writerRow(
+        "profile (20 items)", out, [&] { return saveXmlFile(out.c_str(), &p); }, rounds);
+    freeProfile(&p);
+    Customize c{};
+    praseCustomizeXmlFile(example("customize/web-showcase.xml").c_str(), &c);
+    writerRow(
+        "customization", out, [&] { return saveCustomizeXmlFile(out.c_str(), &c); }, rounds);
+    freeCustomize(&c);
+    KELProject* project = createKELProject(nullptr);
+    openWebPlayerXmlFile(example("webplayer/travel-showreel.xml").c_str(), project);
+    writerRow(
+        "web-player project", out, [&] { return saveWebPlayerXmlFile(out.c_str(), project); },
+        rounds);
+    freeKELProject(&project);
+    TempOption t{};
+    praseOptionXmlFile(example("options/last-session.xml").c_str(), &t);
+    writerRow(
+        "temporary options", out, [&] { return saveOptionXmlFile(out.c_str(), &t); }, rounds);
+    std::free(t.tempItems);
+    // The DVD writers take records no file is read into: a full menu page
+    // and a disc of two pages of six titles.
+    static DVDSubpicture page{};
+    std::snprintf(page.highlight, sizeof page.highlight, "menu-highlight.png");
+    std::snprintf(page.select, sizeof page.select, "menu-select.png");
+    std::snprintf(page.image, sizeof page.image, "menu.png");
+    page.btnCount = 15;
+    for (int i = 0; i < 15; ++i) page.buttons[i] = {{}, {}, 40 + 200 * (i % 3), 60 * i, 180, 50};
+    writerRow(
+        "DVD menu page (spumux)", out, [&] { return saveDVDMenuXml(out.c_str(), &page); }, rounds);
+    static DVDMenuPage pages[2]{};
+    for (DVDMenuPage& pg : pages) {
+        pg.titleCount = 6;
+        for (int i = 0; i < 6; ++i) {
+            DVDTitle& title = pg.titles[i];
+            std::snprintf(title.videoFormat, sizeof title.videoFormat, "PAL");
+            std::snprintf(title.aspect, sizeof title.aspect, "16:9");
+            std::snprintf(title.audioLang, sizeof title.audioLang, "en");
+            std::snprintf(title.audioFormat, sizeof title.audioFormat, "ac3");
+            std::snprintf(title.vobFile, sizeof title.vobFile, "/media/disc/title%d.mpg", i);
+        }
+    }
+    DVDDisc disc{pages, 2, 0, "/media/disc/menus"};
+    writerRow(
+        "DVD disc (dvdauthor)", out, [&] { return saveDVDXml(out.c_str(), &disc); }, rounds);
+}
+
+std::string machine() {
+    std::string cpu = "unknown CPU";
+    std::ifstream info("/proc/cpuinfo");
+    for (std::string line; std::getline(info, line);)
+        if (line.rfind("model name", 0) == 0) {
+            cpu = line.substr(line.find(':') + 2);
+            break;
+        }
+    struct utsname u;
+    uname(&u);
+    return cpu + ", " + std::to_string(sysconf(_SC_NPROCESSORS_ONLN)) + " cores, " + u.sysname +
+           " " + u.release;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    folder();
-    RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    double baseline = reporter.seconds("ParseAndFreeOnly"),
-           loader = reporter.seconds("PraseXMLFolder"),
-           reader = reporter.seconds("PraseXmlFileEach");
-    if (baseline > 0 && loader > 0)
-        std::printf("praseXMLFolder / parse-and-free-only: %.2f (%.1f ms against %.1f ms)\n",
-                    loader / baseline, loader * 1e3, baseline * 1e3);
-    if (reader > 0 && loader > 0)
-        std::printf("praseXMLFolder / praseXmlFile on each path: %.2f (%.1f ms against %.1f ms)\n",
-                    loader / reader, loader * 1e3, reader * 1e3);
-    benchmark::Shutdown();
+    gSelf = fs::canonical("/proc/self/exe").string();
+    if (argc == 4 && std::strcmp(argv[1], "--cold") == 0) return coldChild(argv[2], argv[3]);
+    if (argc == 5 && std::strcmp(argv[1], "--repeat") == 0) {
+        keepHeapGrown();
+        return repeat(argv[2], argv[3], std::atoi(argv[4]));
+    }
+    if (argc == 3 && std::strcmp(argv[1], "--generate") == 0) {
+        // The two folders, kept for profilers and the lxml script.
+        ProfileFolder{512, 20}.write(argv[2]);
+        ProfileFolder{64, 200}.write(argv[2]);
+        return 0;
+    }
+    int rounds = 15;
+    if (argc == 3 && std::strcmp(argv[1], "--rounds") == 0)
+        rounds = std::max(1, std::atoi(argv[2]));
+
+    fs::path script = fs::path(KELPROFILE_SOURCE_DIR) / "bench" / "lxml_folder.py";
+    if (output({"/usr/bin/python3", "-c", "import lxml; print(1)"}) == "1\n") gLxml = script;
+
+    keepHeapGrown();
+    TempFolder scratch;
+    ProfileFolder small{512, 20}, large{64, 200};
+    small.write(scratch.path());
+    large.write(scratch.path());
+
+    char date[32];
+    std::time_t now = std::time(nullptr);
+    std::strftime(date, sizeof date, "%Y-%m-%d", std::localtime(&now));
+    std::printf("kelProfile benchmark, %s, %s\n", date, machine().c_str());
+    std::printf(
+        "Process CPU ms per load of a folder, medians of %d rounds with the variants taking "
+        "turns;\nwarm after one untimed run of each, cold in fresh processes. Each ratio is "
+        "praseXMLFolder's\ntime over the column's.%s\n\n",
+        rounds, gLxml.empty() ? " (lxml: python3-lxml not installed)" : "");
+    std::printf("| %-34s | %9s | %7s | %7s | %7s | %7s |\n", "praseXMLFolder", "ms", "/parse",
+                "/+clean", "/floor", "/lxml");
+    std::printf("|%s|%s|%s|%s|%s|%s|\n", std::string(36, '-').c_str(), std::string(11, '-').c_str(),
+                std::string(9, '-').c_str(), std::string(9, '-').c_str(),
+                std::string(9, '-').c_str(), std::string(9, '-').c_str());
+    folderRows(small, rounds);
+    folderRows(large, rounds);
+    familyRows(small, scratch.path(), rounds);
     return 0;
 }

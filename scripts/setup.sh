@@ -7,8 +7,9 @@ set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev nlohmann-json3-dev)
 for option in "$@"; do
   case "$option" in
-    # GoogleTest, Google Benchmark, and the DVD tools the authoring test drives.
-    --tests) packages+=(libgtest-dev libbenchmark-dev dvdauthor ffmpeg) ;;
+    # GoogleTest, the DVD tools the authoring test drives, and the lxml the
+    # benchmark compares with.
+    --tests) packages+=(libgtest-dev dvdauthor ffmpeg python3-lxml) ;;
     # clang with libFuzzer and the sanitizer runtimes, for scripts/fuzz.sh.
     --fuzz) packages+=(clang libclang-rt-14-dev) ;;
   esac

@@ -146,19 +146,38 @@ int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned lon
     return convertWith(cd_, in, inlen, out, outlen, false);
 }
 
+namespace {
+// Whether the first len bytes of s are ASCII, which both code pages write
+// as the same bytes.
+bool isAscii(const char* s, std::size_t len) noexcept {
+    for (std::size_t i = 0; i < len; ++i)
+        if (static_cast<unsigned char>(s[i]) >= 0x80) return false;
+    return true;
+}
+}  // namespace
+
+const char* Converter::convert(Conversion& direction, const char* in) noexcept {
+    std::size_t len = std::strlen(in);
+    if (!isAscii(in, len)) return direction.run(in, len, buf_, kSize) == 0 ? buf_ : nullptr;
+    // Copied as iconv would convert it, without its cost: a text that
+    // leaves no room for the terminator does not fit.
+    if (len >= kSize) return nullptr;
+    std::memcpy(buf_, in, len + 1);
+    return buf_;
+}
+
 RecordText Converter::toRecord(const char* utf8) noexcept {
     if (const char* converted = toRecordOrNull(utf8)) return {converted, Enc::Gbk};
     return {utf8, Enc::Utf8};
 }
 
 const char* Converter::toRecordOrNull(const char* utf8) noexcept {
-    if (!utf8) return nullptr;
-    return toGbk_.run(utf8, std::strlen(utf8), buf_, kSize) == 0 ? buf_ : nullptr;
+    return utf8 ? convert(toGbk_, utf8) : nullptr;
 }
 
 const char* Converter::toFile(const char* gbk) noexcept {
-    if (!gbk) return "";
-    return toUtf8_.run(gbk, std::strlen(gbk), buf_, kSize) == 0 ? buf_ : "";
+    const char* converted = gbk ? convert(toUtf8_, gbk) : nullptr;
+    return converted ? converted : "";
 }
 
 }  // namespace kel

@@ -135,6 +135,10 @@ public:
     const char* toFile(const char* gbk) noexcept;
 
 private:
+    // in converted into the buffer, or null when it does not convert.
+    // ASCII text is copied: both code pages write it as the same bytes.
+    const char* convert(Conversion& direction, const char* in) noexcept;
+
     char buf_[kSize];
     Conversion toGbk_{"gbk", "UTF-8"};
     Conversion toUtf8_{"UTF-8", "gbk"};

@@ -81,12 +81,17 @@ ReadDoc::ReadDoc(const char* path) noexcept {
     QuietErrors quiet;
     // No network access and no messages; otherwise libxml2's defaults, so
     // whitespace between elements stays in the tree as text nodes, and
-    // neither a DTD nor an external entity is ever loaded.
-    doc_.reset(
-        xmlReadFile(path, nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    // neither a DTD nor an external entity is ever loaded. Short texts are
+    // kept inside their nodes: the same tree, with fewer allocations.
+    constexpr int kOptions =
+        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
+    doc_.reset(xmlReadFile(path, nullptr, kOptions));
     if (!doc_) return;
+    // Only a document type can declare entities; without one the text is
+    // the file's own and cannot exceed its size.
     std::size_t budget = static_cast<std::size_t>(st.st_size) + kMaxExpansion;
-    if (!spend(doc_->children, budget, 0)) {
+    bool entities = doc_->intSubset || doc_->extSubset;
+    if (entities && !spend(doc_->children, budget, 0)) {
         doc_.reset();
         return;
     }
@@ -110,8 +115,35 @@ int countElements(xmlNode* parent, const char* name) noexcept {
     return n;
 }
 
+namespace {
+// The text of a node list that is one text node, read in place; null when
+// the list is anything else (empty, several nodes, entity references).
+const xmlChar* singleText(const xmlNode* list) noexcept {
+    if (!list || list->next || list->content == nullptr) return nullptr;
+    return list->type == XML_TEXT_NODE || list->type == XML_CDATA_SECTION_NODE ? list->content
+                                                                               : nullptr;
+}
+
+bool hasDocumentType(const xmlNode* n) noexcept {
+    return n->doc && (n->doc->intSubset || n->doc->extSubset);
+}
+}  // namespace
+
+// Both read the tree in place where they can, and leave every other case to
+// libxml2's own copy, so the text is always the one xmlGetProp and
+// xmlNodeGetContent give.
 XmlText attr(const xmlNode* n, const char* name) noexcept {
-    return XmlText(n ? xmlGetProp(n, reinterpret_cast<const xmlChar*>(name)) : nullptr);
+    if (!n) return {};
+    if (n->type == XML_ELEMENT_NODE) {
+        const xmlAttr* a = n->properties;
+        while (a && std::strcmp(reinterpret_cast<const char*>(a->name), name) != 0) a = a->next;
+        if (a) {
+            if (const xmlChar* text = singleText(a->children)) return XmlText::inTree(text);
+        } else if (!hasDocumentType(n)) {
+            return {};  // absent, and no document type to declare a default
+        }
+    }
+    return XmlText(xmlGetProp(n, reinterpret_cast<const xmlChar*>(name)));
 }
 
 int32_t attrInt(const xmlNode* n, const char* name) noexcept {
@@ -119,7 +151,13 @@ int32_t attrInt(const xmlNode* n, const char* name) noexcept {
 }
 
 XmlText content(const xmlNode* n) noexcept {
-    return XmlText(n ? xmlNodeGetContent(n) : nullptr);
+    if (!n) return {};
+    if (n->type == XML_ELEMENT_NODE) {
+        static const xmlChar kEmpty[] = "";
+        if (!n->children) return XmlText::inTree(kEmpty);
+        if (const xmlChar* text = singleText(n->children)) return XmlText::inTree(text);
+    }
+    return XmlText(xmlNodeGetContent(n));
 }
 
 const char* convertedText(Converter& converter, const xmlNode* n) noexcept {

@@ -27,19 +27,31 @@ struct DocDeleter {
 };
 using DocPtr = std::unique_ptr<xmlDoc, DocDeleter>;
 
-// A string handed out by libxml2 (content or attribute value), or none.
+// Text of a document (element content or attribute value), or none: read
+// in place when the tree holds it as one text node, else a copy that
+// libxml2 handed out, released with the handle. Valid while the document
+// lives.
 class XmlText {
 public:
-    explicit XmlText(xmlChar* s = nullptr) noexcept : s_(s) {}
-    const char* get() const noexcept { return reinterpret_cast<const char*>(s_.get()); }
-    bool empty() const noexcept { return !s_ || s_.get()[0] == 0; }
+    XmlText() noexcept = default;
+    // Takes ownership of a copy from libxml2 (null: none).
+    explicit XmlText(xmlChar* copy) noexcept : s_(copy), copy_(copy) {}
+    // Text that stays in the tree.
+    static XmlText inTree(const xmlChar* s) noexcept {
+        XmlText t;
+        t.s_ = s;
+        return t;
+    }
+    const char* get() const noexcept { return reinterpret_cast<const char*>(s_); }
+    bool empty() const noexcept { return !s_ || s_[0] == 0; }
     explicit operator bool() const noexcept { return s_ != nullptr; }
 
 private:
     struct Deleter {
         void operator()(xmlChar* s) const noexcept { xmlFree(s); }
     };
-    std::unique_ptr<xmlChar, Deleter> s_;
+    const xmlChar* s_ = nullptr;
+    std::unique_ptr<xmlChar, Deleter> copy_;
 };
 
 // Keeps libxml2's error and warning messages off stderr for its lifetime:
@@ -123,11 +135,14 @@ inline Elements elements(xmlNode* parent, const char* name = nullptr) noexcept {
 }
 int countElements(xmlNode* parent, const char* name) noexcept;
 
-// Attribute value as in the file (UTF-8), or none.
+// Attribute value as in the file (UTF-8), or none. The first attribute of
+// that name whatever its namespace, else a default the document type
+// declares.
 XmlText attr(const xmlNode* n, const char* name) noexcept;
 // Decimal attribute as atoi reads it; absent or empty gives 0.
 int32_t attrInt(const xmlNode* n, const char* name) noexcept;
-// The whole text content of a node and its descendants.
+// The whole text content of a node and its descendants ("" for an element
+// without any).
 XmlText content(const xmlNode* n) noexcept;
 // The text content of an element converted to record text (GBK), in the
 // converter's buffer until its next conversion; null when it does not

@@ -138,6 +138,7 @@ private:
         }
 
         ListText values;
+        labelledEntries_ = 0;
         for (xmlNode* child : kel::elements(node)) {
             kel::XmlText raw = kel::content(child);
             if (raw.empty()) continue;
@@ -166,7 +167,7 @@ private:
         });
         // Labels of entries without a value lie beyond listEntryCount, where
         // freeProfile does not look.
-        for (int j = item.listEntryCount; j < kListCapacity; ++j) {
+        for (int j = item.listEntryCount; j < labelledEntries_; ++j) {
             char*(&labels)[kLangSlots] = item.listEntries[j].label;
             releaseTexts(labels, kLangSlots);
             std::memset(labels, 0, sizeof labels);
@@ -195,9 +196,10 @@ private:
         if (slot < 0) return;
         ListText labels;
         labels.assign(text);
-        labels.split([&](int m, const char* piece) {
+        int pieces = labels.split([&](int m, const char* piece) {
             replace(item.listEntries[m].label[slot], piece, labels.enc());
         });
+        if (pieces > labelledEntries_) labelledEntries_ = pieces;
     }
 
     void replace(char*& field, const char* text, kel::Enc enc) noexcept {
@@ -206,6 +208,7 @@ private:
 
     Profile& p_;
     kel::Converter converter_;
+    int labelledEntries_ = 0;  // list entries of the current item given a label
     bool ok_ = true;
 };
 

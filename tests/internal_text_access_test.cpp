@@ -1,0 +1,95 @@
+// The internal layer reads element text and attribute values in place and
+// copies ASCII text without iconv: both are shortcuts, so each must give
+// exactly what the long way gives (libxml2's own copies, iconv's output).
+#include <iconv.h>
+#include <libxml/tree.h>
+
+#include <string>
+
+#include "core/text.h"
+#include "core/xml.h"
+#include "support.h"
+
+namespace {
+
+std::string text(const kel::XmlText& t) {
+    return t ? std::string(t.get()) : std::string("(none)");
+}
+
+std::string owned(xmlChar* s) {
+    std::string copy = s ? std::string(reinterpret_cast<char*>(s)) : std::string("(none)");
+    xmlFree(s);
+    return copy;
+}
+
+// Every element of the document and every attribute name asked for below,
+// read in place and through libxml2's copies.
+TEST(TextAccess, ContentAndAttributesAreLibxml2s) {
+    TempDir dir;
+    std::string path = writeFile(dir.file("t.xml"), std::string(kDecl) + R"(
+<!DOCTYPE r [
+  <!ENTITY e "ent">
+  <!ATTLIST d lang CDATA "fixed-default">
+]>
+<r xmlns:q="urn:q">
+  <a lang="en" name="x&amp;y" empty="" q:ns="in q">plain</a>
+  <b lang="a&e;b">entity &e; inside</b>
+  <c><![CDATA[<raw>]]></c>
+  <d>mixed <i>inner</i> tail</d>
+  <e/>
+  <f></f>
+  <g>中文 text</g>
+  <h>one<!-- comment -->two</h>
+</r>)");
+    kel::ReadDoc doc(path.c_str());
+    ASSERT_TRUE(doc);
+    const char* names[] = {"lang", "name", "empty", "ns", "missing"};
+    int elements = 0;
+    for (xmlNode* n : kel::elements(doc.root())) {
+        ++elements;
+        SCOPED_TRACE(reinterpret_cast<const char*>(n->name));
+        EXPECT_EQ(text(kel::content(n)), owned(xmlNodeGetContent(n)));
+        for (const char* name : names)
+            EXPECT_EQ(text(kel::attr(n, name)), owned(xmlGetProp(n, BAD_CAST name))) << name;
+    }
+    EXPECT_EQ(elements, 8);
+    EXPECT_EQ(text(kel::content(doc.root()->children)),
+              owned(xmlNodeGetContent(doc.root()->children)));
+    EXPECT_EQ(text(kel::content(nullptr)), "(none)");
+    EXPECT_EQ(text(kel::attr(nullptr, "lang")), "(none)");
+    doc.finish();
+}
+
+// What iconv gives for text, or "(fails)".
+std::string iconvText(const char* to, const char* from, const std::string& in) {
+    iconv_t cd = iconv_open(to, from);
+    char out[kel::Converter::kSize];
+    int result = kel::convertWith(cd, in.c_str(), in.size(), out, sizeof out, true);
+    iconv_close(cd);
+    return result == 0 ? std::string(out) : std::string("(fails)");
+}
+
+TEST(TextAccess, AsciiConvertsAsIconvDoes) {
+    std::string all;
+    for (int c = 1; c < 0x80; ++c) all += static_cast<char>(c);
+    const std::string cases[] = {
+        "",
+        all,
+        std::string(1023, 'a'),
+        std::string(1024, 'b'),
+        std::string(2000, 'c'),
+        "mixed \xE4\xB8\xAD text",  // not ASCII: converted by iconv
+    };
+    for (const std::string& in : cases) {
+        SCOPED_TRACE(in.size());
+        kel::Converter converter;
+        const char* record = converter.toRecordOrNull(in.c_str());
+        EXPECT_EQ(record ? std::string(record) : std::string("(fails)"),
+                  iconvText("gbk", "UTF-8", in));
+        std::string file = converter.toFile(in.c_str());
+        std::string expected = iconvText("UTF-8", "gbk", in);
+        EXPECT_EQ(file, expected == "(fails)" ? "" : expected);
+    }
+}
+
+}  // namespace
