@@ -49,7 +49,7 @@ KELFUZZ_TARGET(encoding) {
     std::string in(reinterpret_cast<const char*>(data) + 1, size - 1);
     bool text = in.find('\0') == std::string::npos;
 
-    for (unsigned long outlen : {pick, pick + 1, 4 * in.size() + 1}) {
+    for (unsigned long outlen : {pick, pick + 1, static_cast<unsigned long>(4 * in.size() + 1)}) {
         std::string gbk = convert(kGbk, kUtf8, in, outlen);
         std::string utf8 = convert(kUtf8, kGbk, in, outlen);
         // What converts to UTF-8 is UTF-8; text that converted to GBK comes
