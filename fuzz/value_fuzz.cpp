@@ -78,8 +78,8 @@ KELFUZZ_TARGET(value) {
     KELFUZZ_CHECK(getXmlValue(file.c_str(), path, plainOut.data()) == 0);
     if (needed > 0) KELFUZZ_CHECK(full == plainOut.data());
 
-    const unsigned long whole = full.size();
-    for (unsigned long cut : {1ul, 2ul, 3ul, 4ul, 7ul, whole, whole + 1})
+    const unsigned long length = full.size();
+    for (unsigned long cut : {1ul, 2ul, 3ul, 4ul, 7ul, length, length + 1})
         checkBounded(file.c_str(), path, full, found ? needed : -2, cut);
 
     // A value set never makes the file unreadable: one XML cannot hold is
