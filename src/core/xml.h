@@ -92,6 +92,22 @@ private:
     xmlNode* root_ = nullptr;
 };
 
+// The one shape of every reader, so that each follows the library's failure
+// rule the same way: clear() empties the record, the file is parsed, and
+// read(root) fills the record, false when an allocation failed; release()
+// then gives back what the read allocated, and the record is cleared again.
+// 0 when the file was read, 1 when it could not be parsed or a read failed.
+template <class Clear, class Read, class Release>
+int32_t readFile(const char* path, Clear&& clear, Read&& read, Release&& release) noexcept {
+    clear();
+    ReadDoc doc(path);
+    if (!doc) return 1;
+    if (read(doc.root())) return doc.finish();
+    release();
+    clear();
+    return 1;
+}
+
 // Whether n is an element with exactly this name.
 inline bool isElement(const xmlNode* n, const char* name) noexcept {
     return n && n->type == XML_ELEMENT_NODE &&

@@ -113,13 +113,7 @@ private:
 
 int32_t praseCustomizeXmlFile(const char* path, Customize* record) {
     if (!record) return 1;
-    std::memset(record, 0, sizeof *record);
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-    if (Reader(*record).read(doc.root())) return doc.finish();
-
-    // An allocation failed: release what was read.
-    freeCustomize(record);
-    std::memset(record, 0, sizeof *record);
-    return 1;
+    return kel::readFile(
+        path, [&] { std::memset(record, 0, sizeof *record); },
+        [&](xmlNode* root) { return Reader(*record).read(root); }, [&] { freeCustomize(record); });
 }

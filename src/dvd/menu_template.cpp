@@ -51,10 +51,6 @@ void readList(xmlNode* element, const List& list) noexcept {
 
 int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record) {
     if (!record) return 1;
-    std::memset(record, 0, sizeof *record);
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-
     DVDMenu& m = *record;
     const struct {
         const char* element;
@@ -76,17 +72,24 @@ int32_t praseDVDMenuXmlFile(const char* path, DVDMenu* record) {
         {"navbtnsInfoBroadband", "btnInfo", kButton, m.navbtnsInfoBroadband, 3, nullptr},
     };
 
-    for (xmlNode* child : kel::elements(doc.root())) {
-        for (const auto& text : texts)
-            if (kel::isElement(child, text.element))
-                kel::copyField(text.field, text.width, kel::content(child).get(), kel::Enc::Utf8);
-        // Only the plain frame list carries the frame image and mask.
-        if (kel::isElement(child, "frames")) {
-            kel::copyAttr(m.frameImgName, child, "frameImgName");
-            kel::copyAttr(m.imgMaskPath, child, "imgMaskPath");
+    // Everything lives in the record's own arrays: the read allocates
+    // nothing, and so cannot fail once the file is parsed.
+    auto read = [&](xmlNode* root) {
+        for (xmlNode* child : kel::elements(root)) {
+            for (const auto& text : texts)
+                if (kel::isElement(child, text.element))
+                    kel::copyField(text.field, text.width, kel::content(child).get(),
+                                   kel::Enc::Utf8);
+            // Only the plain frame list carries the frame image and mask.
+            if (kel::isElement(child, "frames")) {
+                kel::copyAttr(m.frameImgName, child, "frameImgName");
+                kel::copyAttr(m.imgMaskPath, child, "imgMaskPath");
+            }
+            for (const List& list : lists)
+                if (kel::isElement(child, list.element)) readList(child, list);
         }
-        for (const List& list : lists)
-            if (kel::isElement(child, list.element)) readList(child, list);
-    }
-    return doc.finish();
+        return true;
+    };
+    return kel::readFile(
+        path, [&] { std::memset(record, 0, sizeof *record); }, read, [] {});
 }

@@ -92,18 +92,15 @@ GroupOPtion* createGroupOPtion(GroupOPtion** out) {
 
 int32_t praseOPtionXmlFile(const char* path, GroupOPtion* group) {
     if (!group) return 1;
-    releaseItems(*group);
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-
     kel::Converter converter;
-    if (!kel::readArray(
-            doc.root(), "optionItem", group->optionItems, group->optionItemCount,
-            [&](OptionItem& item, xmlNode* node) { return readItem(item, node, converter); })) {
-        releaseItems(*group);
-        return 1;
-    }
-    return doc.finish();
+    return kel::readFile(
+        path, [&] { releaseItems(*group); },
+        [&](xmlNode* root) {
+            return kel::readArray(
+                root, "optionItem", group->optionItems, group->optionItemCount,
+                [&](OptionItem& item, xmlNode* node) { return readItem(item, node, converter); });
+        },
+        [] {});
 }
 
 void freeGroupOPtion(GroupOPtion** group) {

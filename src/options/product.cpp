@@ -31,19 +31,26 @@ void readProduct(ProductInfo& product, xmlNode* node, kel::Converter& converter)
 
 int32_t praseProductXmlFile(const char* path, RecordArray* result) {
     if (!result) return 1;
-    result->records = nullptr;
-    result->count = 0;
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-
     kel::Converter converter;
     ProductInfo* products = nullptr;
     int32_t count = 0;
-    if (!kel::readArray(
-            doc.root(), "product", products, count,
-            [&](ProductInfo& product, xmlNode* node) { readProduct(product, node, converter); }))
-        return 1;
-    result->records = products;
-    result->count = count;
-    return doc.finish();
+    return kel::readFile(
+        path,
+        [&] {
+            std::free(products);
+            products = nullptr;
+            result->records = nullptr;
+            result->count = 0;
+        },
+        [&](xmlNode* root) {
+            if (!kel::readArray(root, "product", products, count,
+                                [&](ProductInfo& product, xmlNode* node) {
+                                    readProduct(product, node, converter);
+                                }))
+                return false;
+            result->records = products;
+            result->count = count;
+            return true;
+        },
+        [] {});
 }

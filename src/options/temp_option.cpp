@@ -10,27 +10,23 @@ constexpr const char* kItem = "optionItem";
 
 int32_t praseOptionXmlFile(const char* path, TempOption* record) {
     if (!record) return 1;
-    std::memset(record, 0, sizeof *record);
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-
     kel::Converter converter;
-    bool ok = kel::readArray(doc.root(), kItem, record->tempItems, record->tempItemCount,
-                             [&](TempOptionItem& item, xmlNode* node) {
-                                 kel::XmlText text = kel::content(node);
-                                 converter.toRecord(text.get()).copyTo(item.value);
-                                 kel::copyAttr(item.name, node, "name");
-                                 if (std::strcmp(item.name, "profileName") == 0) {
-                                     kel::copyField(record->profileName, item.value, kel::Enc::Gbk);
-                                 } else if (std::strcmp(item.name, "isSystem") == 0) {
-                                     record->isSystem = kel::parseInt(item.value);
-                                 }
-                             });
-    if (!ok) {
-        std::memset(record, 0, sizeof *record);
-        return 1;
-    }
-    return doc.finish();
+    auto readItem = [&](TempOptionItem& item, xmlNode* node) {
+        kel::XmlText text = kel::content(node);
+        converter.toRecord(text.get()).copyTo(item.value);
+        kel::copyAttr(item.name, node, "name");
+        if (std::strcmp(item.name, "profileName") == 0) {
+            kel::copyField(record->profileName, item.value, kel::Enc::Gbk);
+        } else if (std::strcmp(item.name, "isSystem") == 0) {
+            record->isSystem = kel::parseInt(item.value);
+        }
+    };
+    return kel::readFile(
+        path, [&] { std::memset(record, 0, sizeof *record); },
+        [&](xmlNode* root) {
+            return kel::readArray(root, kItem, record->tempItems, record->tempItemCount, readItem);
+        },
+        [] {});
 }
 
 int32_t saveOptionXmlFile(const char* path, const TempOption* record) {

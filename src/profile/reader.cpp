@@ -216,18 +216,14 @@ private:
 
 int32_t praseXmlFile(const char* path, Profile* record) {
     if (!record) return 1;
-    std::memset(record, 0, sizeof *record);
+    // The file name is taken from the path before the file is opened, and
+    // stays whatever happens to the read.
     const char* slash = path ? std::strrchr(path, '/') : nullptr;
-    if (slash) kel::copyField(record->fileName, slash + 1);
-
-    kel::ReadDoc doc(path);
-    if (!doc) return 1;
-    if (Reader(*record).read(doc.root())) return doc.finish();
-
-    // An allocation failed: release what was read; the file name stays.
-    freeProfile(record);
-    static_assert(offsetof(Profile, fileName) == 0);
-    std::memset(reinterpret_cast<char*>(record) + offsetof(Profile, name), 0,
-                sizeof *record - offsetof(Profile, name));
-    return 1;
+    return kel::readFile(
+        path,
+        [&] {
+            std::memset(record, 0, sizeof *record);
+            if (slash) kel::copyField(record->fileName, slash + 1);
+        },
+        [&](xmlNode* root) { return Reader(*record).read(root); }, [&] { freeProfile(record); });
 }

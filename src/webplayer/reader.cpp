@@ -50,12 +50,10 @@ bool readProject(xmlNode* root, KELProject& p) noexcept {
 
 int32_t openWebPlayerXmlFile(const char* path, KELProject* project) {
     if (!project) return 1;
-    std::memset(project, 0, sizeof *project);
-    kel::ReadDoc doc(path);
-    if (!doc || !kel::isElement(doc.root(), kRoot)) return 1;
-    if (!readProject(doc.root(), *project)) {
-        releaseProject(*project);
-        return 1;
-    }
-    return doc.finish();
+    // Only a project's own root is read: a media list, whose root is
+    // "playlist", is refused.
+    return kel::readFile(
+        path, [&] { std::memset(project, 0, sizeof *project); },
+        [&](xmlNode* root) { return kel::isElement(root, kRoot) && readProject(root, *project); },
+        [&] { releaseProject(*project); });
 }
