@@ -8,22 +8,10 @@ namespace {
 
 const std::string kExamples = KELPROFILE_SOURCE_DIR "/examples";
 
-std::string repeat(const std::string& text, int times) {
-    std::string all;
-    for (int i = 0; i < times; ++i) all += text;
-    return all;
-}
-
 // "1,2,...,n"
 std::string pieces(int n) {
     std::string all = "1";
     for (int i = 2; i <= n; ++i) all += ',' + std::to_string(i);
-    return all;
-}
-
-std::string items(const std::string& before, int n, const std::string& after) {
-    std::string all;
-    for (int i = 0; i < n; ++i) all += before + std::to_string(i) + after + "\n";
     return all;
 }
 
@@ -55,7 +43,7 @@ const std::vector<LintCase>& lintCases() {
          "4: warning: Main/Name: cut to fit its field: the file holds 600 bytes, the record "
          "keeps 511"},
         {"profile-languages",
-         profile + items("<Desc lang=\"l", 11, "\">d</Desc>") + "</Main></Profiles>\n",
+         profile + repeat("<Desc lang=\"l#\">d</Desc>\n", 11) + "</Main></Profiles>\n",
          "14: warning: Main/Desc: 11 in the file, the record keeps 10: this one and 0 more are "
          "dropped"},
         {"profile-list",
@@ -87,7 +75,7 @@ const std::vector<LintCase>& lintCases() {
         {"customize-number", custom + "<swfTypeInfo GenerateSWF=\"yes\"/>\n</root>\n",
          "4: warning: swfTypeInfo@GenerateSWF: the number 'yes' reads as 0"},
         {"web-add-ons",
-         web + "<addonsList>\n" + items("<addonsItem href=\"a", 121, "\"/>") +
+         web + "<addonsList>\n" + repeat("<addonsItem href=\"a#\"/>\n", 121) +
              "</addonsList>\n</ZorvanWebPlayerPrj>\n",
          "124: warning: addonsList/addonsItem: 121 in the file, the record keeps 120: this one "
          "and 0 more are dropped"},
@@ -97,11 +85,11 @@ const std::vector<LintCase>& lintCases() {
          "4: warning: playlist/playitem/advertitem@sound: not read (the reader ignores this "
          "attribute)"},
         {"menu-frames",
-         menu + "<frames>\n" + items("<frameRc x=\"", 13, "\"/>") + "</frames>\n</menu>\n",
+         menu + "<frames>\n" + repeat("<frameRc x=\"#\"/>\n", 13) + "</frames>\n</menu>\n",
          "16: warning: frames/frameRc: 13 in the file, the record holds at most 12; this one and "
          "the ones after it are dropped"},
         {"menu-buttons",
-         menu + "<navbtnsInfo>\n" + items("<btnInfo x=\"", 4, "\"/>") + "</navbtnsInfo>\n" +
+         menu + "<navbtnsInfo>\n" + repeat("<btnInfo x=\"#\"/>\n", 4) + "</navbtnsInfo>\n" +
              "</menu>\n",
          "7: warning: navbtnsInfo/btnInfo: 4 in the file, the record holds at most 3"},
         {"menu-number", menu + "<texts>\n<textRc x=\"12px\"/>\n</texts>\n</menu>\n",
