@@ -165,19 +165,13 @@ TEST_F(HostileFile, FilesClaimingHugeRecordsAreRefusedWithinBounds) {
     expectBounded(cost, "a file over the size limit");
 }
 
-TEST_F(HostileFile, BoundedValueNeverOverrunsItsBuffer) {
-    std::string path =
-        writeFile(dir.file("v.xml"), std::string("<r><a>") + "ab" + kUtf8Zhongwen + "</a><b/></r>");
-    char out[8];
-    std::memset(out, '#', sizeof out);
-    // "ab" and the first character fit in 5 bytes; the second would be cut.
-    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 6), 8);
-    EXPECT_EQ(std::string(out), std::string("ab\xE4\xB8\xAD"));
-    EXPECT_EQ(out[6], '#');
-    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 4), 8);
-    EXPECT_STREQ(out, "ab");
+// Cuts into buffers of every interesting size, each exactly as large as it
+// says, are replayed by the value fuzz target (entity-value: Chinese text,
+// long-path: no such element); here the results it does not meet.
+TEST_F(HostileFile, BoundedValueOfAnEmptyElementOrAMissingFile) {
+    std::string path = writeFile(dir.file("v.xml"), "<r><a>x</a><b/></r>");
+    char out[8] = "#######";
     EXPECT_EQ(getXmlValue(path.c_str(), "b", out, sizeof out), 0);
-    EXPECT_EQ(getXmlValue(path.c_str(), "missing", out, sizeof out), -2);
     EXPECT_STREQ(out, "");
     EXPECT_EQ(getXmlValue(dir.file("none.xml").c_str(), "a", out, sizeof out), -1);
 }

@@ -33,23 +33,19 @@ long everyAllocationFails(Run&& run) {
 // A profile with ten languages, list entries with labels in each, and a
 // second "Config" that replaces the first.
 std::string tenLanguageProfile() {
-    std::string langs[10];
-    for (int i = 0; i < 10; ++i) langs[i] = "l" + std::to_string(i);
-    std::string xml = "<Profiles><Main><Name>n</Name>";
-    for (const auto& l : langs) xml += "<DisplayName lang=\"" + l + "\">d" + l + "</DisplayName>";
-    xml += "<Desc lang=\"l0\">x</Desc></Main><Group><ID>1</ID>";
-    xml += "<DisplayName lang=\"l3\">g</DisplayName></Group>";
-    xml += "<Config><ConfigItem name=\"old\"><Label>o</Label></ConfigItem></Config><Config>";
-    for (int k = 0; k < 3; ++k) {
-        xml += "<ConfigItem name=\"i" + std::to_string(k) + "\" displayType=\"list\">";
-        for (const auto& l : langs) {
-            xml += "<Label lang=\"" + l + "\">L</Label><Description lang=\"" + l +
-                   "\">D</Description>";
-            xml += "<ListItem lang=\"" + l + "\">a,b,c,extra</ListItem>";
-        }
-        xml += "<ListValue>1,2,3</ListValue><DefaultValue>2</DefaultValue></ConfigItem>";
-    }
-    return xml + "</Config></Profiles>";
+    std::string texts = repeat(
+        "<Label lang=\"l#\">L</Label><Description lang=\"l#\">D</Description>"
+        "<ListItem lang=\"l#\">a,b,c,extra</ListItem>",
+        10);
+    return "<Profiles><Main><Name>n</Name>" +
+           repeat("<DisplayName lang=\"l#\">dl#</DisplayName>", 10) +
+           "<Desc lang=\"l0\">x</Desc></Main><Group><ID>1</ID>"
+           "<DisplayName lang=\"l3\">g</DisplayName></Group>"
+           "<Config><ConfigItem name=\"old\"><Label>o</Label></ConfigItem></Config><Config>" +
+           repeat("<ConfigItem name=\"i#\" displayType=\"list\">" + texts +
+                      "<ListValue>1,2,3</ListValue><DefaultValue>2</DefaultValue></ConfigItem>",
+                  3) +
+           "</Config></Profiles>";
 }
 
 // What one read left: its result, whether the record is as a failed read

@@ -62,7 +62,7 @@ inline std::string repeat(const std::string& item, int n) {
 // printed. command may carry redirections of its own (2>/dev/null).
 inline int runCommand(const std::string& command, std::string* out = nullptr) {
     TempDir dir;
-    int status = std::system((">" + dir.file("out") + " 2>&1 " + command).c_str());
+    int status = std::system(("(" + command + ") >" + dir.file("out") + " 2>&1").c_str());
     if (out) *out = readFile(dir.file("out"));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
