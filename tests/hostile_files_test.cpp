@@ -216,32 +216,6 @@ TEST_F(HostileFile, AFailedSaveLeavesTheOldFileAndNoTemporary) {
     EXPECT_NE(readFile(path), old);
 }
 
-TEST_F(HostileFile, ProfileTextsWrittenUnconvertedStillReadBack) {
-    std::string zh = kUtf8Zhongwen;
-    std::string path =
-        writeFile(dir.file("p.xml"), "<Profiles><Main><Name>" + zh + "</Name><Format>" + zh +
-                                         "</Format><ExtName>" + zh +
-                                         "</ExtName></Main><Config><ConfigItem "
-                                         "displayType=\"input\"><DefaultValue>" +
-                                         zh + "</DefaultValue></ConfigItem></Config></Profiles>");
-    Profile p;
-    ASSERT_EQ(praseXmlFile(path.c_str(), &p), 0);
-    ASSERT_STREQ(p.format, kGbkZhongwen);
-    std::string saved = dir.file("saved.xml"), merged = dir.file("merged.xml");
-    ASSERT_EQ(saveXmlFile(saved.c_str(), &p), 0);
-    ASSERT_EQ(megXmlFile(merged.c_str(), &p, &p), 0);
-    for (const std::string& file : {saved, merged}) {
-        Profile back;
-        ASSERT_EQ(praseXmlFile(file.c_str(), &back), 0) << file;
-        EXPECT_STREQ(back.name, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.format, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.extName, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.configItems[0].defaultValue, kGbkZhongwen) << file;
-        freeProfile(&back);
-    }
-    freeProfile(&p);
-}
-
 TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
     std::string path = writeFile(dir.file("v.xml"), "<r><a>x</a></r>");
     const char* cases[][2] = {

@@ -220,6 +220,28 @@ TEST_F(ProfileFile, ReadsElementTextAsGbkAndCopiesDeeply) {
                                               {"small,,large", "small,large"}}));
 }
 
+// Name, Format, ExtName and DefaultValue are written as the record holds
+// them, but the GBK the reader put there is converted back: saved and merged
+// files read back with the same texts.
+TEST_F(ProfileFile, TextsWrittenUnconvertedStillReadBack) {
+    std::string zh = kUtf8Zhongwen, gbk = kGbkZhongwen;
+    ASSERT_EQ(record.read(write("<P><Main><Name>" + zh + "</Name><Format>" + zh +
+                                "</Format><ExtName>" + zh +
+                                "</ExtName></Main><Config><ConfigItem "
+                                "displayType=\"input\"><DefaultValue>" +
+                                zh + "</DefaultValue></ConfigItem></Config></P>")),
+              0);
+    ASSERT_STREQ(record->format, kGbkZhongwen);
+    for (const std::string& file : {saved(*record), merged(*record, *record)}) {
+        Record back;
+        ASSERT_EQ(back.read(write(file, "back.xml")), 0) << file;
+        EXPECT_EQ(std::string(back->name) + back->format + back->extName +
+                      back->configItems[0].defaultValue,
+                  gbk + gbk + gbk + gbk)
+            << file;
+    }
+}
+
 TEST(ProfileRecord, ReleaseTakesOddCountsSafely) {
     Record cleared;
     freeProfile(cleared.get());

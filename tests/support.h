@@ -91,12 +91,8 @@ bool isCleared(const Record& record) {
 // and gives back what it owns at the end. Holding says where the record lives
 // and how it is given back; Read is the family's reader or folder loader, and
 // read(path) gives back what the record held before it reads again. A family
-// plugs in with one line, as the tests' own families do, or:
-//
-//   Owned<Zeroed<Customize, freeCustomize>, praseCustomizeXmlFile>
-//   Owned<Allocated<KELProject, createKELProject, freeKELProject>, openWebPlayerXmlFile>
+// plugs in with one line, as the tests' own families do, e.g.
 //   Owned<Allocated<GroupOPtion, createGroupOPtion, freeGroupOPtion>, praseOPtionXmlFile>
-//   Owned<Zeroed<RecordArray, releaseBlock<ProductInfo>>, praseProductXmlFile>
 
 // The release of a record that owns nothing.
 template <class Record>
