@@ -11,19 +11,7 @@ namespace {
 const std::string kRich = KELPROFILE_SOURCE_DIR "/examples/customize/web-showcase.xml";
 const std::string kNameOnly = KELPROFILE_SOURCE_DIR "/examples/customize/name-only.xml";
 
-// A record that releases its blocks when the test ends.
-struct Record : Customize {
-    Record() { std::memset(static_cast<Customize*>(this), 0, sizeof(Customize)); }
-    ~Record() { freeCustomize(this); }
-    int read(const std::string& path) {
-        freeCustomize(this);
-        return praseCustomizeXmlFile(path.c_str(), this);
-    }
-    bool cleared() const {
-        static const Customize zero{};
-        return std::memcmp(static_cast<const Customize*>(this), &zero, sizeof zero) == 0;
-    }
-};
+using Record = Owned<Zeroed<Customize, freeCustomize>, praseCustomizeXmlFile>;
 
 // Fields, texts and numbers, joined with "|" to compare many at once.
 std::string str(const char* text) {
@@ -56,23 +44,23 @@ protected:
 TEST_F(CustomizeFile, ReadsEveryFieldIntoItsPlace) {
     ASSERT_EQ(record.read(kRich), 0);
     // Element text in GBK with the entity resolved; attributes in UTF-8.
-    EXPECT_EQ(join(record.profileName, record.GenerateFLV, record.GenerateSWF, record.swfType,
-                   record.GenerateHTML, record.GenerateThumbnail),
+    EXPECT_EQ(join(record->profileName, record->GenerateFLV, record->GenerateSWF, record->swfType,
+                   record->GenerateHTML, record->GenerateThumbnail),
               "\xCD\xF8\xD2\xB3\xD5\xB9\xCA\xBE & \xB9\xE3\xB8\xE6|1|1|2|1|0|");
-    const PlayOption& p = *record.playOption;
+    const PlayOption& p = *record->playOption;
     EXPECT_EQ(join(p.playerSkinPath, p.skinAutoHide, p.mouseAutoHide, p.hideDelay, p.r, p.g, p.b,
                    p.preLoderSkinPath, p.effectSkinPath),
               "skins/\xC9\xEE\xC0\xB6/player.swf|1|0|3|16|32|48|skins/preloader.swf|"
               "skins/effects/fade.swf|");
-    ASSERT_EQ(record.insertADOptionCount, 3);
-    const InsertADOption& in = record.insertADOptions[0];
+    ASSERT_EQ(record->insertADOptionCount, 3);
+    const InsertADOption& in = record->insertADOptions[0];
     EXPECT_EQ(join(in.name, in.enable, in.fileType, in.positionType, in.imageInfo, in.videpPath,
                    in.r, in.g, in.b, in.size, in.typeName, in.textR, in.textG, in.textB,
                    in.duration, in.startTime, in.fontX, in.fontY, in.fontHeight),
               "\xE7\x89\x87\xE5\xA4\xB4\xE5\xB9\xBF\xE5\x91\x8A|1|4|0|ads/opening.png||1|2|3|14|"
               "\xE5\xAE\x8B\xE4\xBD\x93|255|254|253|5|2|10|20|16|");
-    ASSERT_EQ(record.adOptionCount, 2);
-    const ADOption& ad = record.adOptions[0];
+    ASSERT_EQ(record->adOptionCount, 2);
+    const ADOption& ad = record->adOptions[0];
     EXPECT_EQ(join(ad.name, ad.enable, ad.fileType, ad.imageInfo, ad.videpPath, ad.size, ad.textR,
                    ad.textG, ad.textB, ad.position, ad.duration, ad.clickURL, ad.clickTarget,
                    ad.imageX, ad.imageY, ad.imageWidth, ad.imageHeight, ad.fontX, ad.fontY,
@@ -89,11 +77,11 @@ TEST_F(CustomizeFile, NumbersReadAsAtoiAndARepeatedSourceResetsAbsentOnes) {
 </anyRoot>)"),
               0);
     // An empty text keeps the earlier one.
-    EXPECT_EQ(join(record.GenerateFLV, record.GenerateSWF, record.swfType, record.GenerateHTML,
-                   record.GenerateThumbnail, record.profileName),
+    EXPECT_EQ(join(record->GenerateFLV, record->GenerateSWF, record->swfType, record->GenerateHTML,
+                   record->GenerateThumbnail, record->profileName),
               "12|0|-3|0|0|first|");
-    EXPECT_EQ(record.playOption, nullptr);
-    EXPECT_EQ(record.adOptionCount + record.insertADOptionCount, 0);
+    EXPECT_EQ(record->playOption, nullptr);
+    EXPECT_EQ(record->adOptionCount + record->insertADOptionCount, 0);
 }
 
 TEST_F(CustomizeFile, TextThatDoesNotConvertSkipsItsElementAttributesAndAll) {
@@ -108,34 +96,30 @@ TEST_F(CustomizeFile, TextThatDoesNotConvertSkipsItsElementAttributesAndAll) {
     <textContent size="5" typeName="f" fontWidth="6">ok</textContent><caption>c</caption></ADOption>
 </swfOption></root>)"),
               0);
-    EXPECT_EQ(join(record.playOption->playerSkinPath, record.playOption->preLoderSkinPath),
+    EXPECT_EQ(join(record->playOption->playerSkinPath, record->playOption->preLoderSkinPath),
               "|pre|");
-    ASSERT_EQ(record.insertADOptionCount, 1);
-    const InsertADOption& in = record.insertADOptions[0];
+    ASSERT_EQ(record->insertADOptionCount, 1);
+    const InsertADOption& in = record->insertADOptions[0];
     EXPECT_EQ(
         join(in.textContent, in.size, in.typeName, in.textR, in.fontX, in.imageInfo, in.videpPath),
         "|0||0||img|v|");
-    ASSERT_EQ(record.adOptionCount, 1) << "the second swfOption replaced the first";
-    const ADOption& ad = record.adOptions[0];
+    ASSERT_EQ(record->adOptionCount, 1) << "the second swfOption replaced the first";
+    const ADOption& ad = record->adOptions[0];
     EXPECT_EQ(join(ad.imageInfo, ad.imageX, ad.imageHeight, ad.textContent, ad.size, ad.typeName,
                    ad.fontWidth, ad.caption),
               "|||ok|5|f|6|c|");
 }
 
-TEST_F(CustomizeFile, BadFilesGiveOneAndAClearedRecord) {
-    for (const char* text : {"", "<root><profileName>", "not xml", "<?xml version=\"1.0\"?>"}) {
-        record.adOptionCount = 5;
-        EXPECT_EQ(read(text), 1) << text;
-        EXPECT_TRUE(record.cleared()) << text;
-    }
+// Bad files and null records in general are replayed by the fuzz and
+// hostile-file tests; these are the failures of this family's own.
+TEST_F(CustomizeFile, FailuresGiveOneAndAClearedRecord) {
+    record->adOptionCount = 5;
     EXPECT_EQ(record.read(dir.file("missing.xml")), 1);
-    EXPECT_TRUE(record.cleared());
-    EXPECT_EQ(praseCustomizeXmlFile(kRich.c_str(), nullptr), 1);
-    EXPECT_EQ(praseCustomizeXmlFile(nullptr, &record), 1);
-    EXPECT_EQ(saveCustomizeXmlFile(dir.file("x.xml").c_str(), nullptr), 1);
-    EXPECT_EQ(saveCustomizeXmlFile(dir.file("no/such/folder/x.xml").c_str(), &record), 1);
-    record.adOptionCount = 1;  // with no array behind it
-    EXPECT_EQ(saveCustomizeXmlFile(dir.file("x.xml").c_str(), &record), 1);
+    EXPECT_TRUE(isCleared(*record));
+    EXPECT_EQ(praseCustomizeXmlFile(nullptr, record.get()), 1);
+    EXPECT_EQ(saveCustomizeXmlFile(dir.file("no/such/folder/x.xml").c_str(), record.get()), 1);
+    record->adOptionCount = 1;  // with no array behind it
+    EXPECT_EQ(saveCustomizeXmlFile(dir.file("x.xml").c_str(), record.get()), 1);
 }
 
 TEST_F(CustomizeFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
@@ -146,8 +130,8 @@ TEST_F(CustomizeFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
                    "\"><imageInfo imageX=\"12345678901\">i</imageInfo></ADOption>"
                    "</swfOption></root>"),
               0);
-    EXPECT_EQ(std::strlen(record.profileName), 254u) << "127 whole GBK characters";
-    const ADOption& ad = record.adOptions[0];
+    EXPECT_EQ(std::strlen(record->profileName), 254u) << "127 whole GBK characters";
+    const ADOption& ad = record->adOptions[0];
     EXPECT_EQ(std::strlen(ad.name), 126u) << "42 whole UTF-8 characters";
     EXPECT_EQ(join(ad.clickTarget, ad.imageX, ad.imageInfo),
               std::string(31, 't') + "|123456789|i|");
@@ -156,17 +140,17 @@ TEST_F(CustomizeFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
 TEST_F(CustomizeFile, WritesTheFileItReadsAndInvalidGbkAsAnEmptyElement) {
     ASSERT_EQ(record.read(kRich), 0);
     const std::string rich = readFile(kRich);
-    EXPECT_EQ(save(record), rich) << "every element and attribute in order, -1 and \"\" included";
+    EXPECT_EQ(save(*record), rich) << "every element and attribute in order, -1 and \"\" included";
 
-    std::strcpy(record.adOptions[1].caption, "\x81");  // a lead byte without its trail byte
+    std::strcpy(record->adOptions[1].caption, "\x81");  // a lead byte without its trail byte
     std::string expected = rich;
     expected.replace(expected.find("<caption>Logo"), 13, "<caption>");
-    EXPECT_EQ(save(record), expected);
+    EXPECT_EQ(save(*record), expected);
 
     // No player block and no adverts: "swfOption" holds a "playOption" of zeros.
     ASSERT_EQ(record.read(kNameOnly), 0);
-    EXPECT_EQ(record.playOption, nullptr);
-    EXPECT_EQ(save(record), std::string(kDecl) + R"(<root>
+    EXPECT_EQ(record->playOption, nullptr);
+    EXPECT_EQ(save(*record), std::string(kDecl) + R"(<root>
   <profileName>Plain FLV export</profileName>
   <swfTypeInfo GenerateFLV="0" GenerateSWF="0" swfType="0" GenerateHTML="0" GenerateThumbnail="0"/>
   <swfOption>
@@ -182,12 +166,12 @@ TEST_F(CustomizeFile, WritesTheFileItReadsAndInvalidGbkAsAnEmptyElement) {
 
 TEST_F(CustomizeFile, ReleaseLeavesPointersAndCountsAsTheyWere) {
     ASSERT_EQ(record.read(kRich), 0);
-    Customize before = record;
+    Customize before = *record;
     auto** holder = static_cast<Customize**>(std::malloc(sizeof(Customize*)));
-    *holder = &record;
+    *holder = record.get();
     freePtrCustomize(holder);  // the sanitizer build sees nothing left behind
-    EXPECT_EQ(std::memcmp(&before, static_cast<Customize*>(&record), sizeof before), 0);
-    std::memset(static_cast<Customize*>(&record), 0, sizeof(Customize));
+    EXPECT_EQ(std::memcmp(&before, record.get(), sizeof before), 0);
+    std::memset(record.get(), 0, sizeof(Customize));
 }
 
 }  // namespace

@@ -11,14 +11,6 @@
 
 namespace {
 
-// n copies of item, each '#' in copy i replaced by i.
-std::string repeat(const std::string& item, int n) {
-    std::string out;
-    for (int i = 0; i < n; ++i)
-        for (char c : item) out += c == '#' ? std::to_string(i) : std::string(1, c);
-    return out;
-}
-
 using Menu = Owned<Zeroed<DVDMenu>, praseDVDMenuXmlFile>;
 
 // Reads a template written from xml, into a record filled with junk first;
@@ -110,10 +102,10 @@ TEST(MenuTemplate, ReadsTextsAndAttributesByTheirRules) {
     EXPECT_STREQ(m.maskColor, "0123456789A");
 }
 
-TEST(MenuTemplate, BadFilesGiveOneAndAClearedRecord) {
+// Files that do not parse are replayed by the fuzz test.
+TEST(MenuTemplate, EmptyAndMissingFilesGiveOneAndAClearedRecord) {
     for (const char* name : {"t.xml", "missing/t.xml"})
-        for (const char* xml : {"", "<r><frames>", "<?xml version='1.0'?>"})
-            EXPECT_TRUE(isCleared(readTemplate(xml, 1, name))) << xml;
+        EXPECT_TRUE(isCleared(readTemplate("", 1, name))) << name;
 }
 
 // A whole spumux file: the three images of the page, then its buttons.

@@ -3,8 +3,6 @@
 // of 3 and 2 titles), spumux multiplexes each page's buttons into its menu
 // video, and dvdauthor builds the disc from them. Skipped outside CI when
 // the tools are missing; in CI (CI=true) they must be there.
-#include <sys/wait.h>
-
 #include <cstdlib>
 
 #include "support.h"
@@ -14,10 +12,9 @@ namespace {
 // Runs a shell command in dir; true on status 0. log gets the command and
 // what it printed.
 bool run(const fs::path& dir, const std::string& command, std::string& log) {
-    std::string line = "cd '" + dir.string() + "' && (" + command + ") >log 2>&1";
-    int status = std::system(line.c_str());
-    log = command + "\n" + readFile((dir / "log").string());
-    return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    int status = runCommand("cd '" + dir.string() + "' && " + command, &log);
+    log = command + "\n" + log;
+    return status == 0;
 }
 
 const char* kTemplate = R"(<menu><frames>

@@ -4,50 +4,45 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "kelProfile.h"
 #include "support.h"
 
 namespace {
 
-char kGbk[] = "gbk";
-char kUtf8[] = "UTF-8";
-
-TEST(Covert, ConvertsBothWaysAndTerminates) {
-    char out[16];
-    ASSERT_EQ(covert(kGbk, kUtf8, kUtf8Zhongwen, std::strlen(kUtf8Zhongwen), out, sizeof out), 0);
-    EXPECT_STREQ(out, kGbkZhongwen);
-    ASSERT_EQ(covert(kUtf8, kGbk, kGbkZhongwen, std::strlen(kGbkZhongwen), out, sizeof out), 0);
-    EXPECT_STREQ(out, kUtf8Zhongwen);
-
-    std::memset(out, 'x', sizeof out);
-    EXPECT_EQ(covert(kGbk, kUtf8, "", 0, out, sizeof out), 0);
-    EXPECT_STREQ(out, "");
-}
-
-TEST(Covert, FailsOnBadInputUnknownCodeSetsAndResultsThatDoNotFit) {
-    char out[8];
-    // Invalid UTF-8, a character GBK lacks, a sequence cut in the middle.
-    for (const char* bad : {"ab\xFF", "\xF0\x9F\x98\x80", "\xE4\xB8"}) {
-        EXPECT_EQ(covert(kGbk, kUtf8, bad, std::strlen(bad), out, sizeof out), -1) << bad;
+TEST(Covert, ConvertsOrFailsKeepingWhatItConverted) {
+    const struct {
+        const char *to, *from, *in;
+        std::size_t size;
+        int rc;
+        const char* out;  // null: not looked at
+    } cases[] = {
+        {"gbk", "UTF-8", kUtf8Zhongwen, 16, 0, kGbkZhongwen},
+        {"UTF-8", "gbk", kGbkZhongwen, 16, 0, kUtf8Zhongwen},
+        {"gbk", "UTF-8", "", 16, 0, ""},
+        // Invalid UTF-8, a character GBK lacks, a sequence cut in the middle:
+        // the partial result stays in the buffer, followed by zeros.
+        {"gbk", "UTF-8", "ab\xFF", 8, -1, "ab"},
+        {"gbk", "UTF-8", "\xF0\x9F\x98\x80", 8, -1, ""},
+        {"gbk", "UTF-8", "\xE4\xB8", 8, -1, ""},
+        // A code set that cannot be opened leaves the buffer alone.
+        {"no-such-code-set", "UTF-8", "a", 8, -1, "xxxxxxxx"},
+        // Eight bytes fit an 8-byte buffer only without their terminator.
+        {"gbk", "UTF-8", "abcdefg", 8, 0, "abcdefg"},
+        {"gbk", "UTF-8", "abcdefgh", 8, -1, nullptr},
+        // Transliteration converts, but reports the character it replaced.
+        {"ASCII//TRANSLIT", "UTF-8", "\xC3\xA9", 8, -1, nullptr},
+    };
+    for (const auto& c : cases) {
+        std::string to = c.to, from = c.from;
+        std::vector<char> out(c.size, 'x');  // exactly as large as it says
+        EXPECT_EQ(covert(to.data(), from.data(), c.in, std::strlen(c.in), out.data(), c.size), c.rc)
+            << to << ' ' << c.in;
+        if (c.out) {
+            EXPECT_EQ(std::string(out.data(), strnlen(out.data(), c.size)), c.out) << c.in;
+        }
     }
-    // The partial result stays in the buffer, followed by zeros.
-    EXPECT_STREQ(out, "");
-    ASSERT_EQ(covert(kGbk, kUtf8, "ab\xFF", 3, out, sizeof out), -1);
-    EXPECT_STREQ(out, "ab");
-
-    char unknown[] = "no-such-code-set";
-    std::memset(out, 'x', sizeof out);
-    EXPECT_EQ(covert(unknown, kUtf8, "a", 1, out, sizeof out), -1);
-    EXPECT_EQ(out[0], 'x') << "a code set that cannot be opened leaves the buffer alone";
-
-    // Eight bytes fit an 8-byte buffer only without their terminator.
-    EXPECT_EQ(covert(kGbk, kUtf8, "abcdefg", 7, out, sizeof out), 0);
-    EXPECT_EQ(covert(kGbk, kUtf8, "abcdefgh", 8, out, sizeof out), -1);
-
-    // Transliteration converts, but reports the character it replaced.
-    char translit[] = "ASCII//TRANSLIT";
-    EXPECT_EQ(covert(translit, kUtf8, "\xC3\xA9", 2, out, sizeof out), -1);
 }
 
 // GBKtoUTF keeps the historical name but does what UTFtoGBK does.

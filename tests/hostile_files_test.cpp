@@ -67,12 +67,48 @@ void expectBounded(const Cost& c, const std::string& what) {
     EXPECT_LT(c.seconds, 1.0) << what;
 }
 
-std::string repeat(const std::string& s, int n) {
-    std::string out;
-    out.reserve(s.size() * n);
-    for (int i = 0; i < n; ++i) out += s;
-    return out;
+// A full read of a family, releasing what it read: the reader's result.
+int readProfile(const char* path) {
+    Profile r;
+    int rc = praseXmlFile(path, &r);
+    freeProfile(&r);
+    return rc;
 }
+int readOptions(const char* path) {
+    TempOption r;
+    int rc = praseOptionXmlFile(path, &r);
+    std::free(r.tempItems);
+    return rc;
+}
+int readProject(const char* path) {
+    KELProject* r = createKELProject(nullptr);
+    int rc = openWebPlayerXmlFile(path, r);
+    freeKELProject(&r);
+    return rc;
+}
+int readValue(const char* path) {
+    char out[64];
+    return static_cast<int>(getXmlValue(path, "Main.Name", out, sizeof out));
+}
+
+// The readers, what they give for a file they refuse, and a file of empty
+// items each asking for kilobytes of zeroed record: 2 MB of items would need
+// gigabytes.
+struct Reader {
+    const char* name;
+    int (*read)(const char*);
+    int refused;
+    std::string huge;
+};
+const Reader kReaders[] = {
+    {"options", readOptions, 1,
+     "<tempOption>" + repeat("<optionItem/>", 1000000 / 13) + "</tempOption>"},
+    {"profile", readProfile, 1,
+     "<Profiles><Config>" + repeat("<ConfigItem/>", 2000000 / 13) + "</Config></Profiles>"},
+    {"project", readProject, 1,
+     "<ZorvanWebPlayerPrj><playlist>" + repeat("<playitem/>", 1000000 / 11) +
+         "</playlist></ZorvanWebPlayerPrj>"},
+    {"getXmlValue", readValue, -1, ""}};
 
 class HostileFile : public ::testing::Test {
 protected:
@@ -92,32 +128,15 @@ TEST_F(HostileFile, EntityBombsAreRefusedWithinBounds) {
         std::string name, prolog, refs;
     } bombs[] = {{"wide", wide, repeat("&e;", 20000)}, {"deep", deep, "&l9;&l9;"}};
     for (const Bomb& b : bombs) {
-        std::string options = writeFile(dir.file(b.name + "-o.xml"),
-                                        b.prolog + "<tempOption><optionItem name=\"a\">" + b.refs +
-                                            "</optionItem></tempOption>");
-        std::string profile =
-            writeFile(dir.file(b.name + "-p.xml"),
-                      b.prolog + "<Profiles><Main><Name>" + b.refs + "</Name></Main></Profiles>");
-        Cost read = inChild([&] {
-            TempOption r;
-            return praseOptionXmlFile(options.c_str(), &r);
-        });
-        EXPECT_EQ(read.result, 1) << b.name;
-        expectBounded(read, b.name + " temporary options");
-        Cost profileRead = inChild([&] {
-            Profile p;
-            int rc = praseXmlFile(profile.c_str(), &p);
-            freeProfile(&p);
-            return rc;
-        });
-        EXPECT_EQ(profileRead.result, 1) << b.name;
-        expectBounded(profileRead, b.name + " profile");
-        Cost value = inChild([&] {
-            char out[64];
-            return static_cast<int>(getXmlValue(profile.c_str(), "Main.Name", out, sizeof out));
-        });
-        EXPECT_EQ(value.result, -1) << b.name;
-        expectBounded(value, b.name + " getXmlValue");
+        std::string path =
+            writeFile(dir.file(b.name + ".xml"), b.prolog + "<Profiles><Main><Name>" + b.refs +
+                                                     "</Name></Main><optionItem name=\"a\">" +
+                                                     b.refs + "</optionItem></Profiles>");
+        for (const Reader& r : kReaders) {
+            Cost cost = inChild([&] { return r.read(path.c_str()); });
+            EXPECT_EQ(cost.result, r.refused) << b.name << ' ' << r.name;
+            expectBounded(cost, b.name + ' ' + r.name);
+        }
     }
 
     // Entities that stay within the bound keep their meaning.
@@ -130,69 +149,29 @@ TEST_F(HostileFile, EntityBombsAreRefusedWithinBounds) {
 }
 
 TEST_F(HostileFile, FilesClaimingHugeRecordsAreRefusedWithinBounds) {
-    // Each empty item asks for kilobytes of zeroed record: 2 MB of items
-    // would need gigabytes.
-    struct Case {
-        const char* name;
-        std::string xml;
-        std::function<int(const char*)> read;
-    } cases[] = {
-        {"profile",
-         "<Profiles><Config>" + repeat("<ConfigItem/>", 2000000 / 13) + "</Config></Profiles>",
-         [](const char* p) {
-             Profile r;
-             int rc = praseXmlFile(p, &r);
-             freeProfile(&r);
-             return rc;
-         }},
-        {"options", "<tempOption>" + repeat("<optionItem/>", 1000000 / 13) + "</tempOption>",
-         [](const char* p) {
-             TempOption r;
-             int rc = praseOptionXmlFile(p, &r);
-             std::free(r.tempItems);
-             return rc;
-         }},
-        {"project",
-         "<ZorvanWebPlayerPrj><playlist>" + repeat("<playitem/>", 1000000 / 11) +
-             "</playlist></ZorvanWebPlayerPrj>",
-         [](const char* p) {
-             KELProject* r = createKELProject(nullptr);
-             int rc = openWebPlayerXmlFile(p, r);
-             freeKELProject(&r);
-             return rc;
-         }},
-    };
-    for (const Case& c : cases) {
-        std::string path = writeFile(dir.file(std::string(c.name) + ".xml"), c.xml);
-        Cost cost = inChild([&] { return c.read(path.c_str()); });
-        EXPECT_EQ(cost.result, 1) << c.name;
-        expectBounded(cost, c.name);
+    for (const Reader& r : kReaders) {
+        if (r.huge.empty()) continue;
+        std::string path = writeFile(dir.file(std::string(r.name) + ".xml"), r.huge);
+        Cost cost = inChild([&] { return r.read(path.c_str()); });
+        EXPECT_EQ(cost.result, 1) << r.name;
+        expectBounded(cost, r.name);
     }
 
     // Past the size limit a file is refused before it is parsed.
     std::string huge = writeFile(dir.file("huge.xml"), "<tempOption>");
     ASSERT_EQ(truncate(huge.c_str(), (64 << 20) + 1), 0);
-    Cost cost = inChild([&] {
-        TempOption r;
-        return praseOptionXmlFile(huge.c_str(), &r);
-    });
+    Cost cost = inChild([&] { return readOptions(huge.c_str()); });
     EXPECT_EQ(cost.result, 1);
     expectBounded(cost, "a file over the size limit");
 }
 
-TEST_F(HostileFile, BoundedValueNeverOverrunsItsBuffer) {
-    std::string path =
-        writeFile(dir.file("v.xml"), std::string("<r><a>") + "ab" + kUtf8Zhongwen + "</a><b/></r>");
-    char out[8];
-    std::memset(out, '#', sizeof out);
-    // "ab" and the first character fit in 5 bytes; the second would be cut.
-    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 6), 8);
-    EXPECT_EQ(std::string(out), std::string("ab\xE4\xB8\xAD"));
-    EXPECT_EQ(out[6], '#');
-    EXPECT_EQ(getXmlValue(path.c_str(), "a", out, 4), 8);
-    EXPECT_STREQ(out, "ab");
+// Cuts into buffers of every interesting size, each exactly as large as it
+// says, are replayed by the value fuzz target (entity-value: Chinese text,
+// long-path: no such element); here the results it does not meet.
+TEST_F(HostileFile, BoundedValueOfAnEmptyElementOrAMissingFile) {
+    std::string path = writeFile(dir.file("v.xml"), "<r><a>x</a><b/></r>");
+    char out[8] = "#######";
     EXPECT_EQ(getXmlValue(path.c_str(), "b", out, sizeof out), 0);
-    EXPECT_EQ(getXmlValue(path.c_str(), "missing", out, sizeof out), -2);
     EXPECT_STREQ(out, "");
     EXPECT_EQ(getXmlValue(dir.file("none.xml").c_str(), "a", out, sizeof out), -1);
 }
@@ -235,32 +214,6 @@ TEST_F(HostileFile, AFailedSaveLeavesTheOldFileAndNoTemporary) {
     ASSERT_EQ(stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 07777, 0640u);
     EXPECT_NE(readFile(path), old);
-}
-
-TEST_F(HostileFile, ProfileTextsWrittenUnconvertedStillReadBack) {
-    std::string zh = kUtf8Zhongwen;
-    std::string path =
-        writeFile(dir.file("p.xml"), "<Profiles><Main><Name>" + zh + "</Name><Format>" + zh +
-                                         "</Format><ExtName>" + zh +
-                                         "</ExtName></Main><Config><ConfigItem "
-                                         "displayType=\"input\"><DefaultValue>" +
-                                         zh + "</DefaultValue></ConfigItem></Config></Profiles>");
-    Profile p;
-    ASSERT_EQ(praseXmlFile(path.c_str(), &p), 0);
-    ASSERT_STREQ(p.format, kGbkZhongwen);
-    std::string saved = dir.file("saved.xml"), merged = dir.file("merged.xml");
-    ASSERT_EQ(saveXmlFile(saved.c_str(), &p), 0);
-    ASSERT_EQ(megXmlFile(merged.c_str(), &p, &p), 0);
-    for (const std::string& file : {saved, merged}) {
-        Profile back;
-        ASSERT_EQ(praseXmlFile(file.c_str(), &back), 0) << file;
-        EXPECT_STREQ(back.name, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.format, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.extName, kGbkZhongwen) << file;
-        EXPECT_STREQ(back.configItems[0].defaultValue, kGbkZhongwen) << file;
-        freeProfile(&back);
-    }
-    freeProfile(&p);
 }
 
 TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {

@@ -50,14 +50,26 @@ inline std::string readFile(const std::string& path) {
     return out.str();
 }
 
-// Runs kelprofile with args through the shell; its exit status, and in out
-// what it printed. args may carry redirections of its own (2>/dev/null).
-inline int runTool(const std::string& args, std::string* out = nullptr) {
+// n copies of item, each '#' in copy i replaced by i.
+inline std::string repeat(const std::string& item, int n) {
+    std::string out;
+    for (int i = 0; i < n; ++i)
+        for (char c : item) out += c == '#' ? std::to_string(i) : std::string(1, c);
+    return out;
+}
+
+// Runs command through the shell; its exit status, and in out what it
+// printed. command may carry redirections of its own (2>/dev/null).
+inline int runCommand(const std::string& command, std::string* out = nullptr) {
     TempDir dir;
-    std::string command = ">" + dir.file("out") + " 2>&1 " KELPROFILE_TOOL " " + args;
-    int status = std::system(command.c_str());
+    int status = std::system(("(" + command + ") >" + dir.file("out") + " 2>&1").c_str());
     if (out) *out = readFile(dir.file("out"));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Runs kelprofile with args, as runCommand does.
+inline int runTool(const std::string& args, std::string* out = nullptr) {
+    return runCommand(KELPROFILE_TOOL " " + args, out);
 }
 
 // The XML declaration every writer starts its files with.
@@ -79,12 +91,8 @@ bool isCleared(const Record& record) {
 // and gives back what it owns at the end. Holding says where the record lives
 // and how it is given back; Read is the family's reader or folder loader, and
 // read(path) gives back what the record held before it reads again. A family
-// plugs in with one line, as the tests' own families do, or:
-//
-//   Owned<Zeroed<Customize, freeCustomize>, praseCustomizeXmlFile>
-//   Owned<Allocated<KELProject, createKELProject, freeKELProject>, openWebPlayerXmlFile>
+// plugs in with one line, as the tests' own families do, e.g.
 //   Owned<Allocated<GroupOPtion, createGroupOPtion, freeGroupOPtion>, praseOPtionXmlFile>
-//   Owned<Zeroed<RecordArray, releaseBlock<ProductInfo>>, praseProductXmlFile>
 
 // The release of a record that owns nothing.
 template <class Record>

@@ -58,16 +58,13 @@ TEST_F(TempOptionFile, LastNonEmptyProfileNameAndLastIsSystemWin) {
     EXPECT_EQ(record->isSystem, 0);
 }
 
-TEST_F(TempOptionFile, UnreadableFilesGiveOneAndAClearedRecord) {
-    const char* cases[] = {"", "<tempOption><optionItem>", "not xml at all",
-                           "<?xml version=\"1.0\"?>"};
-    for (const char* text : cases) {
+// Files that do not parse, or have no root, are replayed by the fuzz test.
+TEST_F(TempOptionFile, MissingAndEmptyFilesGiveOneAndAClearedRecord) {
+    for (const std::string& path : {dir.file("missing.xml"), write("")}) {
         record->tempItemCount = 99;
-        EXPECT_EQ(record.read(write(text)), 1) << text;
-        EXPECT_TRUE(isCleared(*record)) << text;
+        EXPECT_EQ(record.read(path), 1) << path;
+        EXPECT_TRUE(isCleared(*record)) << path;
     }
-    EXPECT_EQ(record.read(dir.file("missing.xml")), 1);
-    EXPECT_TRUE(isCleared(*record));
     // A root of any name without items reads, as no items.
     ASSERT_EQ(record.read(write("<anyRoot/>")), 0);
     EXPECT_EQ(record->tempItemCount, 0);
@@ -118,20 +115,15 @@ TEST_F(TempOptionFile, WritesItemsInOrderAndInvalidGbkAsEmptyItems) {
     EXPECT_EQ(saveOptionXmlFile(dir.file("no/such/folder/x.xml").c_str(), &out), 1);
 }
 
-TEST_F(TempOptionFile, RoundTripKeepsEveryField) {
-    std::string path =
-        write(std::string("<tempOption>") + "<optionItem name=\"profileName\">" + kUtf8Zhongwen +
-              " HD</optionItem>" + "<optionItem name=\"isSystem\">1</optionItem>" +
-              "<optionItem name=\"bitrate\">-12</optionItem></tempOption>");
-    ASSERT_EQ(record.read(path), 0);
-    std::string copy = dir.file("copy.xml");
-    ASSERT_EQ(saveOptionXmlFile(copy.c_str(), record.get()), 0);
-    Options again;
-    ASSERT_EQ(again.read(copy), 0);
-    EXPECT_EQ(again->tempItemCount, record->tempItemCount);
-    EXPECT_EQ(again->isSystem, record->isSystem);
-    EXPECT_STREQ(again->profileName, record->profileName);
-    EXPECT_EQ(std::memcmp(again->tempItems, record->tempItems, sizeof(TempOptionItem) * 3), 0);
+// A file laid out as the writer lays it out is written back unchanged.
+TEST_F(TempOptionFile, RoundTripKeepsTheFile) {
+    const std::string file = std::string(kDecl) + "<tempOption>\n" +
+                             "  <optionItem name=\"profileName\">" + kUtf8Zhongwen +
+                             " HD</optionItem>\n  <optionItem name=\"isSystem\">1</optionItem>\n" +
+                             "  <optionItem name=\"bitrate\">-12</optionItem>\n</tempOption>\n";
+    ASSERT_EQ(record.read(write(file)), 0);
+    ASSERT_EQ(saveOptionXmlFile(dir.file("copy.xml").c_str(), record.get()), 0);
+    EXPECT_EQ(readFile(dir.file("copy.xml")), file);
 }
 
 }  // namespace

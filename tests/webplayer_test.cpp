@@ -10,18 +10,8 @@
 
 namespace {
 
-// A project from createKELProject, released when the test ends.
-struct Project {
-    Project() { createKELProject(&p); }
-    ~Project() { freeKELProject(&p); }
-    int read(const std::string& path) {
-        freeKELProject(&p);
-        createKELProject(&p);
-        return openWebPlayerXmlFile(path.c_str(), p);
-    }
-    KELProject* operator->() { return p; }
-    KELProject* p = nullptr;
-};
+using Project =
+    Owned<Allocated<KELProject, createKELProject, freeKELProject>, openWebPlayerXmlFile>;
 
 const std::string kExample =
     std::string(KELPROFILE_SOURCE_DIR) + "/examples/webplayer/travel-showreel.xml";
@@ -37,19 +27,18 @@ protected:
     Project project;
 };
 
+// Files that do not parse are replayed by the fuzz test; a well-formed file
+// is read only under the project's own root, names being case-sensitive.
 TEST_F(WebPlayer, OnlyAProjectRootIsRead) {
-    const char* refused[] = {"", "<ZorvanWebPlayerPrj><playlist>", "<?xml version=\"1.0\"?>",
-                             "<playlist><playitem caption=\"c\"/></playlist>",
-                             "<zorvanWebPlayerPrj><playerBG>1</playerBG></zorvanWebPlayerPrj>"};
-    for (const char* text : refused) {
+    for (const char* text : {"<playlist><playitem caption=\"c\"/></playlist>",
+                             "<zorvanWebPlayerPrj><playerBG>1</playerBG></zorvanWebPlayerPrj>"}) {
         project->playerBG = 7;
         EXPECT_EQ(project.read(write(text)), 1) << text;
-        EXPECT_TRUE(isCleared(*project.p)) << text;
+        EXPECT_TRUE(isCleared(*project)) << text;
     }
     EXPECT_EQ(project.read(dir.file("missing.xml")), 1);
-    EXPECT_EQ(openWebPlayerXmlFile(write("<ZorvanWebPlayerPrj/>").c_str(), nullptr), 1);
     EXPECT_EQ(project.read(write("<ZorvanWebPlayerPrj/>")), 0);
-    EXPECT_TRUE(isCleared(*project.p));
+    EXPECT_TRUE(isCleared(*project));
 }
 
 TEST_F(WebPlayer, ReadsInAnyOrderByTheTypeTable) {
@@ -128,7 +117,7 @@ const std::string kSwf = R"(videotype="swf" )" + kWhere + R"(fadein="0" fadeout=
 
 TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
     std::string path = dir.file("out.xml");
-    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.p), 0);
+    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.get()), 0);
     EXPECT_EQ(readFile(path),
               std::string(kDecl) + "<ZorvanWebPlayerPrj>\n  <playlist/>\n  <addonsList/>\n" +
                   "  <optionFileName></optionFileName>\n  <option/>\n  <playskin></playskin>\n" +
@@ -147,7 +136,7 @@ TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
               0);
     PlayItem& item = project->playItems[0];
     item.adverts[0].sound = item.adverts[1].sound = item.watermarks[0].sound = 1;
-    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.p), 0);
+    ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.get()), 0);
     std::string file = readFile(path);
     for (const std::string& line :
          {"videotype=\"flv\" " + kWhere + "caption=\"ad\" sound=\"1\" fadein",
@@ -187,7 +176,7 @@ TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
     EXPECT_EQ(readFile(path), std::string(kDecl) + "<addonsList/>\n");
 
     std::string nowhere = dir.file("no/such/x.xml");
-    EXPECT_EQ(saveWebPlayerXmlFile(nowhere.c_str(), project.p) +
+    EXPECT_EQ(saveWebPlayerXmlFile(nowhere.c_str(), project.get()) +
                   saveMediaListXmlFile(nowhere.c_str(), &data) +
                   saveAddOnsListXmlFile(nowhere.c_str(), &list),
               3);
@@ -198,7 +187,7 @@ TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
 TEST_F(WebPlayer, RoundTripKeepsTheFileAndEveryField) {
     ASSERT_EQ(project.read(kExample), 0);
     std::string copy = dir.file("copy.xml");
-    ASSERT_EQ(saveWebPlayerXmlFile(copy.c_str(), project.p), 0);
+    ASSERT_EQ(saveWebPlayerXmlFile(copy.c_str(), project.get()), 0);
     EXPECT_EQ(readFile(copy), readFile(kExample));
 }
 
@@ -219,8 +208,8 @@ TEST_F(WebPlayer, FreeReleasesWhatTheRecordOwnsAndNullsThePointer) {
 }
 
 TEST_F(WebPlayer, PublishWritesTheListsOfTheProjectsPlayItems) {
-    std::string tool = KELPROFILE_TOOL, out = dir.file("site");
-    ASSERT_EQ(std::system((tool + " publish " + kExample + " " + out + " >/dev/null").c_str()), 0);
+    std::string out = dir.file("site");
+    ASSERT_EQ(runTool("publish " + kExample + " " + out), 0);
     ASSERT_EQ(project.read(kExample), 0);
     MediaListData data{nullptr, 0, project->playItems, project->playItemCount};
     std::string media = dir.file("media.xml"), addOns = dir.file("addons.xml");
@@ -228,7 +217,7 @@ TEST_F(WebPlayer, PublishWritesTheListsOfTheProjectsPlayItems) {
     ASSERT_EQ(saveAddOnsListXmlFile(addOns.c_str(), &project->addOns), 0);
     EXPECT_EQ(readFile(out + "/playlist.xml"), readFile(media));
     EXPECT_EQ(readFile(out + "/addonsList.xml"), readFile(addOns));
-    EXPECT_NE(std::system((tool + " publish " + out + " 2>/dev/null").c_str()), 0);
+    EXPECT_NE(runTool("publish " + out), 0);
 }
 
 }  // namespace
