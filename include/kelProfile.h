@@ -18,8 +18,12 @@
  *    root element, gives 1 with the record cleared and nothing allocated.
  *  - An allocation failure during a read releases what was read, clears
  *    the record and gives 1.
- *  - A writer gives 1 when the file cannot be saved; it never changes its
- *    record.
+ *  - A writer gives 1 when the file cannot be saved, and when a text it
+ *    would write is not text XML can hold (bytes that are not UTF-8, a
+ *    control character), since such a file would not read back. It writes
+ *    to a temporary file beside the target and renames it over the target
+ *    only once saved, so a failed save leaves the old file as it was. It
+ *    never changes its record.
  * The library keeps no state between calls and is used from one thread at
  * a time (readers reset libxml2's global parser state when they finish).
  *
@@ -736,7 +740,8 @@ KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
  * subfolder in turn. Result: always 0.
  * Ownership: each name is a heap string the caller frees.
  * Choices: at most 512 entries in all; paths that do not fit 511 bytes are
- * skipped. Only regular files are taken (a FIFO, socket or device named
+ * skipped. An entry whose status cannot be taken (a link to nothing) ends
+ * the process, as isDir does. Only regular files are taken (a FIFO, socket or device named
  * .xml is not). Each folder is entered at most once per scan, however many
  * symbolic links lead to it, and at most 4096 folders are entered, so a
  * scan's time is bounded by the number of distinct folders. */
@@ -774,10 +779,11 @@ KELPROFILE_API long getXmlValue(const char* file, const char* path, char* out, u
  * text XML can hold (invalid UTF-8, a control character other than tab and
  * line ends, U+FFFE or U+FFFF), or when the rewrite fails; the file is
  * then left as it was.
- * Choices: "&amp;", character references and entities the document
- * declares keep their meaning in value; any other ampersand is taken
- * literally ("Rock & Roll", "AT&T;"), so a value never makes the file
- * unreadable. The file is replaced only once the new one is saved whole. */
+ * Choices: character references and the five predefined entities
+ * ("&amp;", "&lt;", ...) keep their meaning in value; any other ampersand,
+ * one that names an entity of the document included, is taken literally
+ * ("Rock & Roll", "AT&T;"), so a value never makes the file unreadable.
+ * The file is replaced only once the new one is saved whole. */
 KELPROFILE_API int setXmlValue(const char* file, const char* path, const char* value);
 
 #endif /* __cplusplus */

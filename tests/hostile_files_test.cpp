@@ -229,12 +229,55 @@ TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
             << c[0];
         EXPECT_STREQ(out, c[1]) << c[0];
     }
-    // Text XML cannot hold is refused, and the file left as it was.
+    // Text XML cannot hold (a control character, a lone or overlong byte
+    // sequence, a non-character) is refused, and the file left as it was.
     std::string before = readFile(path);
-    for (const char* bad : {"a\x01b", "\xC0", "\xEF\xBF\xBE"}) {
+    for (const char* bad : {"a\x01b", "\xC0", "a\xC1\xBF", "\xE0\x80\xAF", "\xEF\xBF\xBE"}) {
         EXPECT_EQ(setXmlValue(path.c_str(), "a", bad), 1) << bad;
         EXPECT_EQ(readFile(path), before) << bad;
     }
+    // An entity the document declares may be unbalanced: taken literally.
+    std::string declared =
+        writeFile(dir.file("d.xml"), "<!DOCTYPE r [<!ENTITY bad \"<b>\">]><r><a>x</a></r>");
+    ASSERT_EQ(setXmlValue(declared.c_str(), "a", "&bad;"), 0);
+    char out[16];
+    EXPECT_EQ(getXmlValue(declared.c_str(), "a", out, sizeof out), 5);
+    EXPECT_STREQ(out, "&bad;");
+}
+
+TEST_F(HostileFile, WhatIsReadIsTheFileCheckedAndWhatIsSavedReadsBack) {
+    // A compressed file is not inflated behind the size limit's back.
+    const char gzipped[] =
+        "\x1f\x8b\x08\x00\x00\x00\x00\x00\x02\x03\xb3\x29\x49\xcd\x2d\xf0\x2f\x28\xc9\xcc"
+        "\xcf\xb3\xb3\xc9\x07\xd3\x9e\x40\x21\x85\xbc\xc4\xdc\x54\x5b\xa5\x44\x25\xbb\x24"
+        "\x1b\x7d\x84\xb0\x9d\x8d\x3e\x92\x7a\x00\xa9\x92\xe4\x6e\x3c\x00\x00\x00";
+    std::string gz = writeFile(dir.file("o.xml"), std::string(gzipped, sizeof gzipped - 1));
+    Owned<Zeroed<TempOption, freeTempItems>, praseOptionXmlFile> options;
+    EXPECT_EQ(options.read(gz), 1);
+
+    // Entity references deep among elements are no entity bomb.
+    std::string deep = "<!DOCTYPE r [<!ENTITY e \"x\">]><r><Main><Name>v</Name></Main>" +
+                       repeat("<a>", 70) + "&e;" + repeat("</a>", 70) + "</r>";
+    char out[8];
+    EXPECT_EQ(
+        getXmlValue(writeFile(dir.file("deep.xml"), deep).c_str(), "Main.Name", out, sizeof out),
+        1);
+
+    // A name libxml2 would read as a URI ("%25") is saved where it says.
+    TempOptionItem item{"a", "b"};
+    TempOption record{&item, 1, 0, ""};
+    std::string percent = dir.file("100%25.xml");
+    ASSERT_EQ(saveOptionXmlFile(percent.c_str(), &record), 0);
+    ASSERT_EQ(options.read(percent), 0);
+    EXPECT_STREQ(options->tempItems[0].value, "b");
+
+    // A record text XML cannot hold is not written: the file would not read
+    // back, so the old one stays.
+    std::strcpy(item.name, "a\x01");
+    std::string kept = readFile(percent);
+    EXPECT_EQ(saveOptionXmlFile(percent.c_str(), &record), 1);
+    EXPECT_EQ(readFile(percent), kept);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), fs::directory_iterator()), 3);
 }
 
 TEST_F(HostileFile, FolderScanSkipsFifosAndEntersEachFolderOnce) {

@@ -22,12 +22,20 @@ bool refuse(std::size_t bytes) noexcept {
 }
 }  // namespace
 
+// A read inside another read gets what is left of the outer budget at the
+// most, and what it spends is spent for the outer read too.
 RecordBudget::RecordBudget() noexcept : saved_(gBudget) {
-    gBudget = kBytes;
+    if (gBudget > kBytes) gBudget = kBytes;
 }
 
 RecordBudget::~RecordBudget() {
-    gBudget = saved_;
+    if (saved_ == kUnbounded) {
+        gBudget = kUnbounded;
+    } else {
+        std::size_t limit = saved_ < kBytes ? saved_ : kBytes;
+        std::size_t spent = limit - gBudget;
+        gBudget = saved_ - spent;
+    }
 }
 
 void* allocZeroed(std::size_t count, std::size_t size) noexcept {

@@ -78,9 +78,11 @@ char* dupBounded(const char* src, Enc enc) noexcept {
 }
 
 bool replaceText(char*& field, const char* text, Enc enc) noexcept {
+    // Copied before the old text is released, which text may point into.
+    char* copy = text ? copyBounded(text, enc) : nullptr;
     std::free(field);
-    field = text ? copyBounded(text, enc) : nullptr;
-    return field || !text;
+    field = copy;
+    return copy || !text;
 }
 
 char* formatInt(int value, char* buffer, int radix) noexcept {

@@ -1,11 +1,15 @@
 #include "core/xml.h"
 
+#include <libxml/chvalid.h>
 #include <libxml/entities.h>
 #include <libxml/xmlerror.h>
+#include <libxml/xmlsave.h>
+#include <fcntl.h>
 #include <libxml/xmlmemory.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
@@ -30,7 +34,7 @@ namespace {
 // Entity references are left in the tree, and every read of an element's
 // text expands them again: this keeps a small file from standing for
 // gigabytes of text.
-bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
+bool spend(const xmlNode* n, std::size_t& budget, int entityDepth) noexcept {
     for (; n; n = n->next) {
         if (budget == 0) return false;
         --budget;
@@ -47,9 +51,9 @@ bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
                 // children are the entity's parsed content, when it has any.
                 const auto* entity = reinterpret_cast<const xmlEntity*>(n->children);
                 if (!entity) break;
-                if (depth > 64) return false;
+                if (entityDepth > 64) return false;
                 if (entity->children) {
-                    if (!spend(entity->children, budget, depth + 1)) return false;
+                    if (!spend(entity->children, budget, entityDepth + 1)) return false;
                 } else if (static_cast<std::size_t>(entity->length) > budget) {
                     return false;
                 } else {
@@ -58,9 +62,11 @@ bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
                 break;
             }
             case XML_ELEMENT_NODE:
+                // Elements nest at most 256 deep (libxml2's own bound); only
+                // entity references count towards the entity depth.
                 for (const xmlAttr* a = n->properties; a; a = a->next)
-                    if (!spend(a->children, budget, depth + 1)) return false;
-                if (!spend(n->children, budget, depth + 1)) return false;
+                    if (!spend(a->children, budget, entityDepth)) return false;
+                if (!spend(n->children, budget, entityDepth)) return false;
                 break;
             default:
                 break;
@@ -73,11 +79,20 @@ bool spend(const xmlNode* n, std::size_t& budget, int depth) noexcept {
 
 ReadDoc::ReadDoc(const char* path) noexcept {
     if (!path) return;
-    // Only regular files: a FIFO or a device would block or never end.
-    // The 64-bit status: on 32-bit x86 the plain one fails for a file with
-    // an inode number past 32 bits.
+    // The file is opened once and parsed from that descriptor, so what was
+    // checked is what is read: only a regular file (a FIFO or a device
+    // would block or never end), never standard input for "-", never a
+    // compressed file inflated behind the size limit's back. The 64-bit
+    // status: on 32-bit x86 the plain one fails for a file with an inode
+    // number past 32 bits.
+    int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) return;
+    struct Closer {
+        int fd;
+        ~Closer() { close(fd); }
+    } closer{fd};
     struct stat64 st;
-    if (stat64(path, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
+    if (fstat64(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
     QuietErrors quiet;
     // No network access and no messages; otherwise libxml2's defaults, so
     // whitespace between elements stays in the tree as text nodes, and
@@ -85,7 +100,7 @@ ReadDoc::ReadDoc(const char* path) noexcept {
     // kept inside their nodes: the same tree, with fewer allocations.
     constexpr int kOptions =
         XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
-    doc_.reset(xmlReadFile(path, nullptr, kOptions));
+    doc_.reset(xmlReadFd(fd, path, nullptr, kOptions));
     if (!doc_) return;
     // Only a document type can declare entities; without one the text is
     // the file's own and cannot exceed its size.
@@ -207,9 +222,97 @@ WriteDoc::WriteDoc(const char* rootName) noexcept : doc_(xmlNewDoc(BAD_CAST "1.0
     if (root_) xmlDocSetRootElement(doc_.get(), root_);
 }
 
+namespace {
+
+// "folder/.kelprofile-XXXXXX" for the folder of path: a temporary name
+// beside the target that fits however long the target's own name is.
+HeapPtr<char> tempNameBeside(const char* path) noexcept {
+    static const char kName[] = ".kelprofile-XXXXXX";
+    const char* slash = std::strrchr(path, '/');
+    std::size_t folder = slash ? static_cast<std::size_t>(slash - path) + 1 : 0;
+    HeapPtr<char> temp(static_cast<char*>(allocZeroed(folder + sizeof kName, 1)));
+    if (!temp) return temp;
+    std::memcpy(temp.get(), path, folder);
+    std::memcpy(temp.get() + folder, kName, sizeof kName);
+    return temp;
+}
+
+// Writes doc to an open descriptor and makes it durable; false when any
+// byte could not be written. The writes go through a callback of ours that
+// writes every byte or reports the failure: libxml2's own descriptor output
+// takes a short write (a full disk, a file size limit) for success.
+bool writeTo(int fd, xmlDoc* doc, bool indent) noexcept {
+    struct Sink {
+        int fd;
+        bool failed;
+    } sink{fd, false};
+    auto write = [](void* context, const char* buffer, int len) -> int {
+        auto* s = static_cast<Sink*>(context);
+        for (int done = 0; done < len;) {
+            ssize_t n = ::write(s->fd, buffer + done, static_cast<std::size_t>(len - done));
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) {
+                s->failed = true;
+                return -1;
+            }
+            done += static_cast<int>(n);
+        }
+        return len;
+    };
+    QuietErrors quiet;
+    xmlSaveCtxt* save =
+        xmlSaveToIO(write, nullptr, &sink, "UTF-8", indent ? XML_SAVE_FORMAT : 0);
+    if (!save) return false;
+    bool ok = xmlSaveDoc(save, doc) != -1;
+    ok = xmlSaveClose(save) != -1 && ok;
+    return ok && !sink.failed && fsync(fd) == 0;
+}
+
+}  // namespace
+
+bool isXmlText(const char* text) noexcept {
+    if (!text) return true;
+    if (!isUtf8(text)) return false;
+    const auto* p = reinterpret_cast<const unsigned char*>(text);
+    std::size_t len = 0;
+    while (*p) {
+        unsigned c = *p;
+        int more = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
+        unsigned code = more == 0 ? c : c & (0x3F >> more);
+        for (int i = 1; i <= more; ++i) code = (code << 6) | (p[i] & 0x3F);
+        if (!xmlIsChar(code)) return false;
+        p += more + 1;
+        len += static_cast<std::size_t>(more) + 1;
+    }
+    return len <= kMaxXmlText;
+}
+
+namespace {
+
+// Whether every text and attribute value below n is text XML can hold, so
+// that the file written reads back.
+bool holdsXmlText(const xmlNode* n) noexcept {
+    for (; n; n = n->next) {
+        if (n->type == XML_ELEMENT_NODE) {
+            for (const xmlAttr* a = n->properties; a; a = a->next)
+                if (!holdsXmlText(a->children)) return false;
+            if (!holdsXmlText(n->children)) return false;
+        } else if (n->type == XML_TEXT_NODE || n->type == XML_CDATA_SECTION_NODE) {
+            if (!isXmlText(reinterpret_cast<const char*>(n->content))) return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
 int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
     if (!doc || !path || !*path) return 1;
-    // A link is written through: the file it names is the one replaced.
+    // A text XML cannot hold would be written as it is and leave a file no
+    // reader accepts: the save is refused and the old file kept.
+    if (!holdsXmlText(doc->children)) return 1;
+    // A link is written through: the file it names is the one replaced (a
+    // link to nothing is refused).
     HeapPtr<char> resolved;
     struct stat64 st;
     if (lstat64(path, &st) == 0 && S_ISLNK(st.st_mode)) {
@@ -217,9 +320,10 @@ int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
         if (!resolved) return 1;
         path = resolved.get();
     }
+    bool exists = stat64(path, &st) == 0;
+    if (exists && !S_ISREG(st.st_mode)) return 1;
     mode_t mode;
-    if (stat64(path, &st) == 0) {
-        if (!S_ISREG(st.st_mode)) return 1;
+    if (exists) {
         mode = st.st_mode & 07777;
     } else {
         mode_t mask = umask(0);
@@ -227,19 +331,17 @@ int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
         mode = 0666 & ~mask;
     }
 
-    std::size_t len = std::strlen(path);
-    HeapPtr<char> temp(static_cast<char*>(allocZeroed(len + 8, 1)));
+    HeapPtr<char> temp = tempNameBeside(path);
     if (!temp) return 1;
-    std::memcpy(temp.get(), path, len);
-    std::memcpy(temp.get() + len, ".XXXXXX", 8);
     int fd = mkstemp(temp.get());
     if (fd < 0) return 1;
-    bool ok = fchmod(fd, mode) == 0;
-    close(fd);
-    if (ok) {
-        QuietErrors quiet;
-        ok = xmlSaveFormatFileEnc(temp.get(), doc, "UTF-8", indent ? 1 : 0) != -1;
+    // The replaced file keeps its owner where the process may give it
+    // (as root, say); otherwise the new file is the process's own.
+    if (exists && fchown(fd, st.st_uid, st.st_gid) != 0) {
+        // Not allowed: the file keeps the process's owner.
     }
+    bool ok = fchmod(fd, mode) == 0 && writeTo(fd, doc, indent);
+    ok = close(fd) == 0 && ok;
     if (ok) ok = rename(temp.get(), path) == 0;
     if (!ok) unlink(temp.get());
     return ok ? 0 : 1;

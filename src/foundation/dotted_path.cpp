@@ -93,9 +93,9 @@ long getXmlValue(const char* file, const char* path, char* out, unsigned long si
 
 namespace {
 
-// Whether text starts a reference that XML gives a meaning to: a character
-// reference, a predefined entity, or an entity the document declares.
-bool startsReference(xmlDoc* doc, const char* text) noexcept {
+// Whether text starts a reference that means one character: a character
+// reference of a character XML allows, or a predefined entity.
+bool startsReference(const char* text) noexcept {
     const char* semi = std::strchr(text + 1, ';');
     if (!semi || semi == text + 1) return false;
     std::size_t len = static_cast<std::size_t>(semi - text - 1);
@@ -117,28 +117,29 @@ bool startsReference(xmlDoc* doc, const char* text) noexcept {
         }
         return xmlIsChar(static_cast<unsigned int>(code));
     }
-    char entity[64];
-    if (len >= sizeof entity) return false;
-    std::memcpy(entity, name, len);
-    entity[len] = 0;
-    if (xmlValidateName(reinterpret_cast<const xmlChar*>(entity), 0) != 0) return false;
-    return xmlGetDocEntity(doc, reinterpret_cast<const xmlChar*>(entity)) != nullptr;
+    // The five entities every XML document knows. An entity the document
+    // declares is taken literally too: it may be unparsed, unbalanced or
+    // too large to expand, and the file would no longer read.
+    static const char* const kPredefined[] = {"amp", "lt", "gt", "quot", "apos"};
+    for (const char* known : kPredefined)
+        if (std::strlen(known) == len && std::strncmp(name, known, len) == 0) return true;
+    return false;
 }
 
 // value with every ampersand that starts no meaningful reference written as
 // "&amp;", so that the text set is the text meant and the file stays
 // readable.
-kel::HeapPtr<char> literalAmpersands(xmlDoc* doc, const char* value) noexcept {
+kel::HeapPtr<char> literalAmpersands(const char* value) noexcept {
     std::size_t len = std::strlen(value);
     std::size_t extra = 0;
     for (const char* p = value; (p = std::strchr(p, '&')); ++p)
-        if (!startsReference(doc, p)) extra += 4;
+        if (!startsReference(p)) extra += 4;
     kel::HeapPtr<char> out(static_cast<char*>(kel::allocZeroed(len + extra + 1, 1)));
     if (!out) return out;
     char* w = out.get();
     for (const char* p = value; *p; ++p) {
         *w++ = *p;
-        if (*p == '&' && !startsReference(doc, p)) {
+        if (*p == '&' && !startsReference(p)) {
             std::memcpy(w, "amp;", 4);
             w += 4;
         }
@@ -147,31 +148,17 @@ kel::HeapPtr<char> literalAmpersands(xmlDoc* doc, const char* value) noexcept {
     return out;
 }
 
-// Whether XML text can hold value as it is: valid UTF-8 of characters that
-// XML allows (no control characters but tab and line ends, no U+FFFE).
-bool isXmlText(const char* value) noexcept {
-    const auto* p = reinterpret_cast<const xmlChar*>(value);
-    if (!xmlCheckUTF8(p)) return false;
-    while (*p) {
-        int len = 4;
-        int c = xmlGetUTF8Char(p, &len);
-        if (c < 0 || !xmlIsChar(static_cast<unsigned int>(c))) return false;
-        p += len;
-    }
-    return true;
-}
-
 }  // namespace
 
 int setXmlValue(const char* file, const char* path, const char* value) {
     // A value XML cannot hold would make the file unreadable: it is refused
     // and the file left as it was.
-    if (value && !isXmlText(value)) return 1;
+    if (value && !kel::isXmlText(value)) return 1;
     kel::ReadDoc doc(file);
     if (!doc) return 1;
     xmlDoc* tree = doc.root()->doc;
     if (xmlNode* target = find(doc.root(), path)) {
-        kel::HeapPtr<char> text = literalAmpersands(tree, value ? value : "");
+        kel::HeapPtr<char> text = literalAmpersands(value ? value : "");
         if (!text) return 1;
         xmlNodeSetContent(target, reinterpret_cast<const xmlChar*>(text.get()));
     }
