@@ -1,11 +1,11 @@
 #include "core/xml.h"
 
+#include <fcntl.h>
 #include <libxml/chvalid.h>
 #include <libxml/entities.h>
 #include <libxml/xmlerror.h>
-#include <libxml/xmlsave.h>
-#include <fcntl.h>
 #include <libxml/xmlmemory.h>
+#include <libxml/xmlsave.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -260,11 +260,10 @@ bool writeTo(int fd, xmlDoc* doc, bool indent) noexcept {
         return len;
     };
     QuietErrors quiet;
-    xmlSaveCtxt* save =
-        xmlSaveToIO(write, nullptr, &sink, "UTF-8", indent ? XML_SAVE_FORMAT : 0);
-    if (!save) return false;
-    bool ok = xmlSaveDoc(save, doc) != -1;
-    ok = xmlSaveClose(save) != -1 && ok;
+    xmlSaveCtxt* output = xmlSaveToIO(write, nullptr, &sink, "UTF-8", indent ? XML_SAVE_FORMAT : 0);
+    if (!output) return false;
+    bool ok = xmlSaveDoc(output, doc) != -1;
+    ok = xmlSaveClose(output) != -1 && ok;
     return ok && !sink.failed && fsync(fd) == 0;
 }
 

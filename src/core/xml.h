@@ -93,18 +93,18 @@ private:
 };
 
 // The one shape of every reader, so that each follows the library's failure
-// rule the same way: clear() empties the record, the file is parsed, and
-// read(root) fills the record, false when an allocation failed; release()
+// rule the same way: empty() clears the record, the file is parsed, and
+// fill(root) fills the record, false when an allocation failed; undo()
 // then gives back what the read allocated, and the record is cleared again.
 // 0 when the file was read, 1 when it could not be parsed or a read failed.
-template <class Clear, class Read, class Release>
-int32_t readFile(const char* path, Clear&& clear, Read&& read, Release&& release) noexcept {
-    clear();
+template <class Empty, class Fill, class Undo>
+int32_t readFile(const char* path, Empty&& empty, Fill&& fill, Undo&& undo) noexcept {
+    empty();
     ReadDoc doc(path);
     if (!doc) return 1;
-    if (read(doc.root())) return doc.finish();
-    release();
-    clear();
+    if (fill(doc.root())) return doc.finish();
+    undo();
+    empty();
     return 1;
 }
 
