@@ -45,7 +45,8 @@ build_library() {
         cmake -S . -B build/plain -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
           -DKELPROFILE_WERROR=ON -DKELPROFILE_TESTS=ON -DKELPROFILE_BENCH=ON >/dev/null
       fi
-      cmake --build build/plain -j "$(nproc 2>/dev/null || echo 2)" --target kelProfile >/dev/null
+      cmake --build build/plain -j "$(nproc 2>/dev/null || echo 2)" --target kelProfile >/dev/null ||
+        return 1
       echo build/plain/libkelProfile.so
       ;;
     i386)
