@@ -226,17 +226,21 @@ struct Binding {
         attrName, ::kel::Binding::Colour, offsetof(Record, field), sizeof(int32_t) \
     }
 
-// A table of bindings, made from an array.
-struct Bindings {
+// A read-only view of a constant table, made from the array itself, so a
+// table is passed with its length and walked with a range for.
+template <class T>
+class Table {
+public:
     template <std::size_t N>
-    constexpr Bindings(const Binding (&table)[N]) noexcept : begin_(table), end_(table + N) {}
-    constexpr const Binding* begin() const noexcept { return begin_; }
-    constexpr const Binding* end() const noexcept { return end_; }
+    constexpr Table(const T (&rows)[N]) noexcept : begin_(rows), end_(rows + N) {}
+    constexpr const T* begin() const noexcept { return begin_; }
+    constexpr const T* end() const noexcept { return end_; }
 
 private:
-    const Binding* begin_;
-    const Binding* end_;
+    const T* begin_;
+    const T* end_;
 };
+using Bindings = Table<Binding>;
 
 // Reads a table's attributes of n into record: text cut to its field (absent
 // or empty leaves the field as it was), numbers as atoi reads them (absent

@@ -106,17 +106,7 @@ struct Group {
     unsigned needs;
 };
 
-class Layout {
-public:
-    template <std::size_t N>
-    constexpr Layout(const Group (&groups)[N]) noexcept : begin_(groups), end_(groups + N) {}
-    const Group* begin() const noexcept { return begin_; }
-    const Group* end() const noexcept { return end_; }
-
-private:
-    const Group* begin_;
-    const Group* end_;
-};
+using Layout = Table<Group>;
 
 const Group kAdvertInProject[] = {
     {kAdvertPlace, kAlways}, {kAdvertMedia, kAlways}, {kAdvertCaption, kAlways},
