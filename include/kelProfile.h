@@ -733,7 +733,10 @@ KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 /* Whether the entry of folder is a directory, following symbolic links.
  * Choices: a status that cannot be taken prints "stat()" with the reason
  * and ends the process with status 1. A folder and name that do not join
- * within 1023 bytes are not a directory (no status is taken). */
+ * within 1023 bytes are not a directory (no status is taken). On 32-bit
+ * glibc the library is built with _FILE_OFFSET_BITS=64 and entry is that
+ * build's struct dirent; its CMake package and pkg-config file pass the same
+ * definition to its users. */
 KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
 /* Appends the paths of the ".xml" and ".XML" files below folder to names
  * and counts them in *count: the folder's own files first, then each

@@ -12,6 +12,9 @@ for option in "$@"; do
     --tests) packages+=(libgtest-dev dvdauthor ffmpeg python3-lxml) ;;
     # clang with libFuzzer and the sanitizer runtimes, for scripts/fuzz.sh.
     --fuzz) packages+=(clang libclang-rt-14-dev) ;;
+    # LLVM's tools read the Mach-O files of the macOS cross-build
+    # (scripts/cross.sh).
+    --cross) packages+=(llvm) ;;
   esac
 done
 

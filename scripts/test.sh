@@ -2,8 +2,8 @@
 # Sets everything up and runs all tests: a plain build (with the benchmark
 # built, not run) and an AddressSanitizer + UndefinedBehaviorSanitizer build,
 # both with warnings as errors; the interface compared with its ABI baseline;
-# a 32-bit x86 build with all its tests, the host's own architecture; then a
-# short run of every fuzz target.
+# a 32-bit x86 build with all its tests, the host's own architecture; the
+# macOS and musl cross-builds; then a short run of every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -23,6 +23,11 @@ ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:ha
   ctest --test-dir build/sanitize -j "$jobs" --output-on-failure
 
 bash scripts/i386.sh
+
+# The host's platform: the library and the tool cross-compiled for macOS
+# (x86-64 and arm64) and checked as the host loads them; and compiled for
+# musl.
+bash scripts/cross.sh build/plain/libkelProfile.so
 
 # A short run of every fuzz target (30 s each), with clang and libFuzzer.
 bash scripts/fuzz.sh 30

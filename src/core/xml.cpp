@@ -82,17 +82,15 @@ ReadDoc::ReadDoc(const char* path) noexcept {
     // The file is opened once and parsed from that descriptor, so what was
     // checked is what is read: only a regular file (a FIFO or a device
     // would block or never end), never standard input for "-", never a
-    // compressed file inflated behind the size limit's back. The 64-bit
-    // status: on 32-bit x86 the plain one fails for a file with an inode
-    // number past 32 bits.
+    // compressed file inflated behind the size limit's back.
     int fd = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) return;
     struct Closer {
         int fd;
         ~Closer() { close(fd); }
     } closer{fd};
-    struct stat64 st;
-    if (fstat64(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
+    struct stat st;
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
     QuietErrors quiet;
     // No network access and no messages; otherwise libxml2's defaults, so
     // whitespace between elements stays in the tree as text nodes, and
@@ -313,13 +311,13 @@ int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
     // A link is written through: the file it names is the one replaced (a
     // link to nothing is refused).
     HeapPtr<char> resolved;
-    struct stat64 st;
-    if (lstat64(path, &st) == 0 && S_ISLNK(st.st_mode)) {
+    struct stat st;
+    if (lstat(path, &st) == 0 && S_ISLNK(st.st_mode)) {
         resolved.reset(realpath(path, nullptr));
         if (!resolved) return 1;
         path = resolved.get();
     }
-    bool exists = stat64(path, &st) == 0;
+    bool exists = stat(path, &st) == 0;
     if (exists && !S_ISREG(st.st_mode)) return 1;
     mode_t mode;
     if (exists) {

@@ -1,12 +1,12 @@
 // Finding every XML file below a folder: the folder's own files first, then
 // each subfolder in listing order, to any depth.
 //
-// Listings and statuses use the 64-bit forms of the calls (the same calls on
-// 64-bit targets): on 32-bit x86 the plain ones fail with EOVERFLOW for an
-// inode number or a directory position past 32 bits, which filesystems with
-// 64-bit inode numbers or hashed directories hand out, and a folder would
-// then look empty or end the process. isDir still takes the host's plain
-// struct dirent.
+// On 32-bit glibc the build asks for 64-bit file offsets and inode numbers
+// (_FILE_OFFSET_BITS=64): without them scandir and stat fail with EOVERFLOW
+// for an inode number or a directory position past 32 bits, which
+// filesystems with 64-bit inode numbers or hashed directories hand out, and
+// a folder would look empty or end the process. Elsewhere the plain calls
+// are 64-bit already.
 #include <dirent.h>
 #include <sys/stat.h>
 
@@ -32,7 +32,7 @@ public:
     Visited() noexcept : folders_(kel::allocRecords<Folder>(kCapacity)) {}
     // Records the folder; false when it was entered before, or when no more
     // folders can be recorded (the scan then goes no deeper).
-    bool enter(const struct stat64& st) noexcept {
+    bool enter(const struct stat& st) noexcept {
         if (!folders_) return false;
         for (int i = 0; i < count_; ++i)
             if (folders_.get()[i].dev == st.st_dev && folders_.get()[i].ino == st.st_ino)
@@ -45,7 +45,7 @@ public:
 private:
     struct Folder {
         dev_t dev;
-        ino64_t ino;
+        ino_t ino;
     };
     kel::HeapPtr<Folder> folders_;
     int count_ = 0;
@@ -60,9 +60,9 @@ bool join(char (&out)[kJoinSize], const char* folder, const char* name) noexcept
 // The status of a listed entry, links followed. An entry without one (gone
 // since the listing, a dangling link, a folder that can be listed but not
 // searched) ends the process: the host relies on complete folders.
-struct stat64 statOrExit(const char* path) noexcept {
-    struct stat64 st;
-    if (stat64(path, &st) != 0) {
+struct stat statOrExit(const char* path) noexcept {
+    struct stat st;
+    if (stat(path, &st) != 0) {
         std::perror("stat()");
         std::exit(1);
     }
@@ -91,8 +91,8 @@ void appendFile(const char* folder, int folderLen, const char* name, int* count,
 }
 
 void scan(const char* folder, int* count, char** names, Visited& visited) noexcept {
-    struct dirent64** entries = nullptr;
-    int listed = scandir64(folder, &entries, nullptr, nullptr);
+    struct dirent** entries = nullptr;
+    int listed = scandir(folder, &entries, nullptr, nullptr);
     if (listed < 0) return;
 
     int folderLen = static_cast<int>(std::strlen(folder));
@@ -100,18 +100,18 @@ void scan(const char* folder, int* count, char** names, Visited& visited) noexce
 
     // Files now; subfolders are kept, in listing order, for after them.
     struct Subfolder {
-        struct dirent64* entry;
-        struct stat64 st;
+        struct dirent* entry;
+        struct stat st;
     };
     auto* subfolders = kel::allocRecords<Subfolder>(static_cast<std::size_t>(listed) + 1);
     int subfolderCount = 0;
     for (int i = 0; i < listed; ++i) {
-        struct dirent64* entry = entries[i];
+        struct dirent* entry = entries[i];
         char joined[kJoinSize];
         // An entry whose path does not fit is left out, with everything
         // below it: none of those paths would fit either.
         if (join(joined, folder, entry->d_name)) {
-            struct stat64 st = statOrExit(joined);
+            struct stat st = statOrExit(joined);
             // Regular files only: a FIFO, socket or device named .xml would
             // block the reader or never end.
             if (S_ISREG(st.st_mode)) {
@@ -147,10 +147,10 @@ bool isDir(const char* folder, const struct dirent* entry) {
 int getXMLName(char* folder, int* count, char** names) {
     if (!folder || !count || !names || *count < 0) return 0;
     Visited visited;
-    struct stat64 st;
+    struct stat st;
     // Without the status of the starting folder, a link back to it is only
     // caught one level further down.
-    if (stat64(folder, &st) == 0) visited.enter(st);
+    if (stat(folder, &st) == 0) visited.enter(st);
     scan(folder, count, names, visited);
     return 0;
 }
