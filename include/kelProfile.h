@@ -24,8 +24,21 @@
  *    to a temporary file beside the target and renames it over the target
  *    only once saved, so a failed save leaves the old file as it was. It
  *    never changes its record.
- * The library keeps no state between calls and is used from one thread at
- * a time (readers reset libxml2's global parser state when they finish).
+ * The library keeps no state between calls. It sets libxml2 up once
+ * (xmlInitParser, behind a once-flag) and never resets its process-wide
+ * state: no xmlCleanupParser or xmlMemoryDump after a read, because the
+ * host and the system's own frameworks use the same libxml2 on threads of
+ * their own, and a reset destroys its locks under them. The clean-up is
+ * left to the process, as libxml2 asks.
+ *
+ * Threads: every function may run on several threads at once, on
+ * different records and different files, beside any other libxml2 user of
+ * the process; the library has no shared state of its own (a read's
+ * allocation bound, conversion descriptors and the silencing of libxml2's
+ * messages are per call and per thread). The caller serialises what it
+ * shares: one record on two threads, two writers of one file, or a writer
+ * and a reader of one file (a reader never sees half a file, but may see
+ * the old one).
  *
  * Choices that apply throughout:
  *  - A value longer than its fixed field is cut to the field (width - 1

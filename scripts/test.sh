@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Sets everything up and runs all tests: a plain build (with the benchmark
 # built, not run) and an AddressSanitizer + UndefinedBehaviorSanitizer build,
-# both with warnings as errors; the interface compared with its ABI baseline;
+# both with warnings as errors; a ThreadSanitizer build of the threads test;
+# the interface compared with its ABI baseline;
 # a 32-bit x86 build with all its tests, the host's own architecture; the
 # macOS and musl cross-builds; then a short run of every fuzz target.
 set -euo pipefail
@@ -21,6 +22,14 @@ cmake -S . -B build/sanitize -G Ninja -DCMAKE_BUILD_TYPE=Debug \
 cmake --build build/sanitize -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   ctest --test-dir build/sanitize -j "$jobs" --output-on-failure
+
+# What runs on threads, under ThreadSanitizer: the stress test of every
+# family on several threads beside another libxml2 user.
+cmake -S . -B build/tsan -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DKELPROFILE_WERROR=ON -DKELPROFILE_TESTS=ON -DKELPROFILE_TSAN=ON
+cmake --build build/tsan -j "$jobs" --target threads_test
+TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+  ctest --test-dir build/tsan -R '^Threads\.' --output-on-failure
 
 bash scripts/i386.sh
 

@@ -5,10 +5,12 @@
 namespace kel {
 
 namespace {
-long gFailAt = 0;
-long gCount = 0;
+// Per thread: reads on two threads each have their own budget, and a test
+// that makes allocations fail reaches only its own thread's.
+thread_local long gFailAt = 0;
+thread_local long gCount = 0;
 constexpr std::size_t kUnbounded = static_cast<std::size_t>(-1);
-std::size_t gBudget = kUnbounded;
+thread_local std::size_t gBudget = kUnbounded;
 
 // Whether this allocation of bytes must fail: it is the one a test asked to
 // fail, or it does not fit the budget of the read in progress.
@@ -39,10 +41,13 @@ RecordBudget::~RecordBudget() {
 }
 
 void* allocZeroed(std::size_t count, std::size_t size) noexcept {
-    if (count == 0) count = 1;
-    if (size == 0) size = 1;
-    if (count > kUnbounded / size || refuse(count * size)) return nullptr;
-    return std::calloc(count, size);
+    if (size != 0 && count > kUnbounded / size) return nullptr;
+    // A block of no bytes is one byte, with room for no record: still a
+    // pointer that is not taken for a failed allocation.
+    std::size_t bytes = count * size;
+    if (bytes == 0) bytes = 1;
+    if (refuse(bytes)) return nullptr;
+    return std::calloc(bytes, 1);
 }
 
 char* dupBytes(const char* s, std::size_t n) noexcept {

@@ -12,8 +12,9 @@
 
 namespace kel {
 
-// calloc of count blocks of size bytes; at least one byte, so that a count
-// of 0 still gives a block (the "block of size 0" that readers hand out).
+// calloc of count blocks of size bytes. A count of 0 gives a block of one
+// byte, with room for no record but not null (the "block of size 0" that
+// readers hand out). Null when the allocation fails or is refused.
 void* allocZeroed(std::size_t count, std::size_t size) noexcept;
 // A terminated heap copy of the first n bytes of s.
 char* dupBytes(const char* s, std::size_t n) noexcept;
@@ -31,8 +32,8 @@ struct FreeDeleter {
 template <class T>
 using HeapPtr = std::unique_ptr<T, FreeDeleter>;
 
-// A bound on what the records of one read may allocate, in force while an
-// instance lives: an allocation past it fails, and the reader takes its
+// A bound on what the records of one read may allocate, in force on the
+// reading thread while an instance lives: an allocation past it fails, and the reader takes its
 // allocation-failure path (1 and a cleared record). It keeps a small hostile
 // file from making a reader claim gigabytes of zeroed records.
 class RecordBudget {
@@ -49,7 +50,8 @@ private:
 
 // Fault injection for tests: after failAllocation(n), the n-th allocation
 // from now on fails (n <= 0: none does). allocations() counts the
-// allocations made since the last failAllocation call.
+// allocations made since the last failAllocation call. Both count the
+// calling thread's allocations only.
 namespace fault {
 void failAllocation(long n) noexcept;
 long allocations() noexcept;

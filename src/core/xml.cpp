@@ -17,8 +17,20 @@ namespace kel {
 
 namespace {
 void discard(void*, const char*, ...) {}
+
+// libxml2 is set up once in the process, by the first document the library
+// reads or builds, and never reset: the host and the system's own
+// frameworks use the same libxml2, and xmlCleanupParser would destroy its
+// locks under them. The process ends with it set up, as libxml2 asks.
+void setUpLibxml2() noexcept {
+    static const bool ready = (xmlInitParser(), true);
+    (void)ready;
+}
 }  // namespace
 
+// libxml2 keeps the generic error handler per thread (it is built with
+// threads on Debian and on macOS), so silencing it here leaves every other
+// thread's handler alone.
 QuietErrors::QuietErrors() noexcept : oldFunc_(xmlGenericError), oldCtx_(xmlGenericErrorContext) {
     xmlSetGenericErrorFunc(nullptr, discard);
 }
@@ -78,6 +90,7 @@ bool spend(const xmlNode* n, std::size_t& budget, int entityDepth) noexcept {
 }  // namespace
 
 ReadDoc::ReadDoc(const char* path) noexcept {
+    setUpLibxml2();
     if (!path) return;
     // The file is opened once and parsed from that descriptor, so what was
     // checked is what is read: only a regular file (a FIFO or a device
@@ -114,8 +127,6 @@ ReadDoc::ReadDoc(const char* path) noexcept {
 int32_t ReadDoc::finish() noexcept {
     root_ = nullptr;
     doc_.reset();
-    xmlCleanupParser();
-    xmlMemoryDump();
     return 0;
 }
 
@@ -214,7 +225,8 @@ void writeAttrs(xmlNode* n, const void* record, Bindings table, ColourForm colou
     }
 }
 
-WriteDoc::WriteDoc(const char* rootName) noexcept : doc_(xmlNewDoc(BAD_CAST "1.0")) {
+WriteDoc::WriteDoc(const char* rootName) noexcept
+    : doc_((setUpLibxml2(), xmlNewDoc(BAD_CAST "1.0"))) {
     if (!doc_) return;
     root_ = xmlNewNode(nullptr, BAD_CAST rootName);
     if (root_) xmlDocSetRootElement(doc_.get(), root_);

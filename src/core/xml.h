@@ -82,8 +82,8 @@ public:
     explicit ReadDoc(const char* path) noexcept;
     xmlNode* root() const noexcept { return root_; }
     explicit operator bool() const noexcept { return root_ != nullptr; }
-    // Ends a successful read: releases the tree, resets libxml2's global
-    // parser state and returns 0.
+    // Ends a successful read: releases the tree and returns 0. libxml2's
+    // process-wide state is left as it is.
     int32_t finish() noexcept;
 
 private:
