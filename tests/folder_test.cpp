@@ -1,6 +1,9 @@
 // Scanning folders for XML files and loading them into blocks of records.
+#include <dirent.h>
+
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,6 +52,17 @@ TEST(FolderScan, TakesXmlFilesFolderByFolderOwnFilesFirst) {
         auto end = std::find_if_not(first, found.end(), below);
         EXPECT_EQ(std::count_if(found.begin(), found.end(), below), end - first) << folder;
         EXPECT_TRUE(std::is_partitioned(first, end, own)) << folder;
+    }
+}
+
+TEST(FolderScan, IsDirFollowsLinksAndTellsFoldersFromFiles) {
+    TempDir dir;
+    writeFile(dir.file("sub/f.xml"), "<x/>");
+    fs::create_directory_symlink(dir.file("sub"), dir.file("link"));
+    dirent entry{};
+    for (auto [name, folder] : {std::pair{"sub", true}, {"link", true}, {"sub/f.xml", false}}) {
+        std::strcpy(entry.d_name, name);
+        EXPECT_EQ(isDir(dir.path().c_str(), &entry), folder) << name;
     }
 }
 

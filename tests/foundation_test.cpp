@@ -30,7 +30,7 @@ TEST(Covert, ConvertsOrFailsKeepingWhatItConverted) {
         {"no-such-code-set", "UTF-8", "a", 8, -1, "xxxxxxxx"},
         // Eight bytes fit an 8-byte buffer only without their terminator.
         {"gbk", "UTF-8", "abcdefg", 8, 0, "abcdefg"},
-        {"gbk", "UTF-8", "abcdefgh", 8, -1, nullptr},
+        {"gbk", "UTF-8", "abcdefgh", 8, -1, "abcdefg"},
         // Transliteration converts, but reports the character it replaced.
         {"ASCII//TRANSLIT", "UTF-8", "\xC3\xA9", 8, -1, nullptr},
     };
@@ -130,11 +130,12 @@ TEST(Shims, NullAndEmptyMeanTheSame) {
 
 TEST(Shims, StrreverseSwapsInclusiveRange) {
     char text[] = "abcd";
-    strreverse(text, text + 2);
-    EXPECT_STREQ(text, "cbad");
+    strreverse(text, text + 3);
+    strreverse(text + 1, text + 3);
+    EXPECT_STREQ(text, "dabc");
     strreverse(text + 3, text + 3);
     strreverse(text + 3, text);
-    EXPECT_STREQ(text, "cbad") << "one character, or last before first, changes nothing";
+    EXPECT_STREQ(text, "dabc") << "one character, or last before first, changes nothing";
 }
 
 TEST(Shims, SnprintfBoundsOnlyWithAPositiveSize) {

@@ -105,6 +105,9 @@ const Reader kReaders[] = {
      "<tempOption>" + repeat("<optionItem/>", 1000000 / 13) + "</tempOption>"},
     {"profile", readProfile, 1,
      "<Profiles><Config>" + repeat("<ConfigItem/>", 2000000 / 13) + "</Config></Profiles>"},
+    // Each item's list room is small; 3,000 of them pass the budget.
+    {"profile lists", readProfile, 1,
+     "<Profiles><Config>" + repeat("<ConfigItem/>", 3000) + "</Config></Profiles>"},
     {"project", readProject, 1,
      "<ZorvanWebPlayerPrj><playlist>" + repeat("<playitem/>", 1000000 / 11) +
          "</playlist></ZorvanWebPlayerPrj>"},
@@ -157,9 +160,10 @@ TEST_F(HostileFile, FilesClaimingHugeRecordsAreRefusedWithinBounds) {
         expectBounded(cost, r.name);
     }
 
-    // Past the size limit a file is refused before it is parsed.
-    std::string huge = writeFile(dir.file("huge.xml"), "<tempOption>");
-    ASSERT_EQ(truncate(huge.c_str(), (64 << 20) + 1), 0);
+    // Past the size limit a file is refused before it is parsed, well formed
+    // or not.
+    std::string huge =
+        writeFile(dir.file("huge.xml"), "<tempOption/>" + std::string(64 << 20, ' '));
     Cost cost = inChild([&] { return readOptions(huge.c_str()); });
     EXPECT_EQ(cost.result, 1);
     expectBounded(cost, "a file over the size limit");
@@ -173,7 +177,9 @@ TEST_F(HostileFile, BoundedValueOfAnEmptyElementOrAMissingFile) {
     char out[8] = "#######";
     EXPECT_EQ(getXmlValue(path.c_str(), "b", out, sizeof out), 0);
     EXPECT_STREQ(out, "");
+    std::strcpy(out, "#");
     EXPECT_EQ(getXmlValue(dir.file("none.xml").c_str(), "a", out, sizeof out), -1);
+    EXPECT_STREQ(out, "");
 }
 
 // Runs save in a child that may write at most 64 bytes to any file, as on
@@ -214,13 +220,22 @@ TEST_F(HostileFile, AFailedSaveLeavesTheOldFileAndNoTemporary) {
     ASSERT_EQ(stat(path.c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 07777, 0640u);
     EXPECT_NE(readFile(path), old);
+    // A link is written through, and stays a link.
+    fs::create_symlink(path, dir.file("link.xml"));
+    ASSERT_EQ(saveOptionXmlFile(dir.file("link.xml").c_str(), &record), 0);
+    EXPECT_TRUE(fs::is_symlink(dir.file("link.xml")));
 }
 
 TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
     std::string path = writeFile(dir.file("v.xml"), "<r><a>x</a></r>");
     const char* cases[][2] = {
-        {"Rock & Roll", "Rock & Roll"}, {"AT&T;", "AT&T;"}, {"&amp;", "&"},
-        {"&#38;&#x26;", "&&"},          {"a&", "a&"},       {"&#0;&lt", "&#0;&lt"}};
+        {"Rock & Roll", "Rock & Roll"},
+        {"AT&T;", "AT&T;"},
+        {"&amp;", "&"},
+        {"&#38;&#x26;", "&&"},
+        {"a&", "a&"},
+        {"&#0;&lt", "&#0;&lt"},
+        {"&#x100000041;", "&#x100000041;"}};  // past Unicode, not 'A' cut to 32 bits
     for (const auto& c : cases) {
         ASSERT_EQ(setXmlValue(path.c_str(), "a", c[0]), 0) << c[0];
         char out[64];
@@ -230,9 +245,11 @@ TEST_F(HostileFile, SetValueTakesStrayAmpersandsLiterally) {
         EXPECT_STREQ(out, c[1]) << c[0];
     }
     // Text XML cannot hold (a control character, a lone or overlong byte
-    // sequence, a non-character) is refused, and the file left as it was.
+    // sequence, a non-character, a UTF-16 surrogate) is refused, and the
+    // file left as it was.
     std::string before = readFile(path);
-    for (const char* bad : {"a\x01b", "\xC0", "a\xC1\xBF", "\xE0\x80\xAF", "\xEF\xBF\xBE"}) {
+    for (const char* bad :
+         {"a\x01b", "\xC0", "a\xC1\xBF", "\xE0\x80\xAF", "\xEF\xBF\xBE", "\xED\xA0\x80"}) {
         EXPECT_EQ(setXmlValue(path.c_str(), "a", bad), 1) << bad;
         EXPECT_EQ(readFile(path), before) << bad;
     }

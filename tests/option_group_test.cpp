@@ -87,15 +87,4 @@ TEST_F(OptionGroupFile, OverLongNamesAndTextsAreCutOnAWholeCharacter) {
     EXPECT_EQ(std::string(item.childItems[0].values), faces.substr(0, 1020));
 }
 
-// The fuzz replay makes its groups with a null pointer and checks that
-// freeGroupOPtion nulls the caller's.
-TEST(OptionGroup, CreateStoresThroughTheCallersPointerAndFreeTakesNullAgain) {
-    GroupOPtion* group = nullptr;
-    ASSERT_EQ(createGroupOPtion(&group), group);
-    EXPECT_TRUE(group && !group->optionItems && group->optionItemCount == 0);
-    freeGroupOPtion(&group);
-    freeGroupOPtion(&group);  // a second release does nothing
-    freeGroupOPtion(nullptr);
-}
-
 }  // namespace

@@ -42,20 +42,4 @@ TEST_F(ProductFile, ReadsProductsInFileOrder) {
     EXPECT_EQ(result->count, 0);
 }
 
-TEST_F(ProductFile, OverLongTextsAreCutToTheirFields) {
-    std::string longText(3000, 'x');
-    ASSERT_EQ(read("<p><product><title>" + longText + "</title><content>" + longText +
-                   "</content></product></p>"),
-              0);
-    EXPECT_EQ(std::strlen(product(0).title), 255u);
-    EXPECT_EQ(std::strlen(product(0).content), 2047u);
-}
-
-// Files that do not parse are replayed by the fuzz test.
-TEST_F(ProductFile, AMissingFileLeavesNoRecords) {
-    RecordArray stale{nullptr, 5};
-    EXPECT_EQ(praseProductXmlFile(dir.file("missing.xml").c_str(), &stale), 1);
-    EXPECT_TRUE(!stale.records && stale.count == 0);
-}
-
 }  // namespace

@@ -72,6 +72,17 @@ inline int runTool(const std::string& args, std::string* out = nullptr) {
     return runCommand(KELPROFILE_TOOL " " + args, out);
 }
 
+// The golden file tests/data/<name>: what a writer is expected to write,
+// compared whole. With KELPROFILE_REGENERATE=1 in the environment the test
+// writes what it got there instead, for a writer whose output is meant to
+// change (read git diff tests/data before committing it).
+inline std::string golden(const std::string& name, const std::string& got) {
+    std::string path = KELPROFILE_SOURCE_DIR "/tests/data/" + name;
+    const char* regenerate = std::getenv("KELPROFILE_REGENERATE");
+    if (regenerate && std::string(regenerate) == "1") writeFile(path, got);
+    return readFile(path);
+}
+
 // The XML declaration every writer starts its files with.
 inline const char* kDecl = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 

@@ -1,4 +1,4 @@
-// kelprofile for people who repair files: lint's findings on files with one
+// kelprofile: its exit statuses, check, lint's findings on files with one
 // problem each, the places errors name, and show --json.
 #include <nlohmann/json.hpp>
 
@@ -8,131 +8,20 @@ namespace {
 
 const std::string kExamples = KELPROFILE_SOURCE_DIR "/examples";
 
-// "1,2,...,n"
-std::string pieces(int n) {
-    std::string all = "1";
-    for (int i = 2; i <= n; ++i) all += ',' + std::to_string(i);
-    return all;
-}
+const std::string kData = KELPROFILE_SOURCE_DIR "/tests/data/lint/";
 
-struct LintCase {
-    const char* name;
-    std::string file;     // the whole file; its problem sits on the line named below
-    std::string finding;  // what follows "FILE:" in the one warning expected
-};
-
-// Each file holds one problem on a known line; lint must report exactly it.
-const std::vector<LintCase>& lintCases() {
-    const std::string profile = std::string(kDecl) + "<Profiles>\n  <Main>\n";  // line 4 next
-    const std::string config = profile + "  </Main>\n  <Config>\n";             // line 5 next
-    const std::string item =
-        "<ConfigItem name=\"a\" group=\"g\" readyOnly=\"0\" displayType=\"input\" "
-        "valueType=\"int\">\n";
-    const std::string temp = std::string(kDecl) + "<tempOption>\n";
-    const std::string custom = std::string(kDecl) + "<root>\n  <profileName>p</profileName>\n";
-    const std::string web = std::string(kDecl) + "<ZorvanWebPlayerPrj>\n";
-    const std::string menu = std::string(kDecl) + "<menu>\n";
-    const std::string group = std::string(kDecl) + "<groupOption>\n";
-    const std::string product = std::string(kDecl) + "<products>\n<product>\n";
-    static const std::vector<LintCase> cases = {
-        {"profile-number", profile + "<Type>12px</Type>\n</Main></Profiles>\n",
-         "4: warning: Main/Type: the number '12px' reads as 12"},
-        {"profile-hex", profile + "<Device>0xff</Device>\n</Main></Profiles>\n",
-         "4: warning: Main/Device: the number '0xff' reads as 0"},
-        {"profile-cut", profile + "<Name>" + repeat("n", 600) + "</Name>\n</Main></Profiles>\n",
-         "4: warning: Main/Name: cut to fit its field: the file holds 600 bytes, the record "
-         "keeps 511"},
-        {"profile-languages",
-         profile + repeat("<Desc lang=\"l#\">d</Desc>\n", 11) + "</Main></Profiles>\n",
-         "14: warning: Main/Desc: 11 in the file, the record keeps 10: this one and 0 more are "
-         "dropped"},
-        {"profile-list",
-         config + item + "<ListValue>" + pieces(22) + "</ListValue>\n</ConfigItem></Config>" +
-             "</Profiles>\n",
-         "7: warning: Config/ConfigItem/ListValue: 22 comma-separated pieces, the record keeps "
-         "the first 20"},
-        {"profile-gbk",
-         config + item + "<Label>\xF0\x9F\x98\x80</Label>\n</ConfigItem></Config></Profiles>\n",
-         "7: warning: Config/ConfigItem/Label: text '\xF0\x9F\x98\x80' has no GBK form"},
-        {"profile-attribute",
-         config + "<ConfigItem name=\"a\" hint=\"h\"/>\n</Config></Profiles>\n",
-         "6: warning: Config/ConfigItem@hint: not read (the reader ignores this attribute)"},
-        {"profile-repeated",
-         config + item + "<DefaultValue>x</DefaultValue>\n<DefaultValue>y</DefaultValue>\n" +
-             "</ConfigItem></Config></Profiles>\n",
-         "7: warning: Config/ConfigItem/DefaultValue: repeated 2 times; the record keeps only "
-         "one of them, not this one"},
-        {"temp-cut",
-         temp + "<optionItem name=\"v\">" + repeat("v", 300) + "</optionItem>\n</tempOption>\n",
-         "3: warning: optionItem: cut to fit its field: the file holds 300 bytes, the record "
-         "keeps 255"},
-        {"temp-element", temp + "<option name=\"v\">1</option>\n</tempOption>\n",
-         "3: warning: option: not read (the reader ignores this element)"},
-        {"customize-repeated",
-         custom + "<swfOption><playOption hideDelay=\"3\"/></swfOption>\n<swfOption/>\n</root>\n",
-         "4: warning: swfOption: repeated 2 times; the record keeps only one of them, not this "
-         "one"},
-        {"customize-number", custom + "<swfTypeInfo GenerateSWF=\"yes\"/>\n</root>\n",
-         "4: warning: swfTypeInfo@GenerateSWF: the number 'yes' reads as 0"},
-        {"web-add-ons",
-         web + "<addonsList>\n" + repeat("<addonsItem href=\"a#\"/>\n", 121) +
-             "</addonsList>\n</ZorvanWebPlayerPrj>\n",
-         "124: warning: addonsList/addonsItem: 121 in the file, the record keeps 120: this one "
-         "and 0 more are dropped"},
-        {"web-type-attribute",
-         web + "<playlist><playitem path=\"p\">\n<advertitem videotype=\"jpg\" sound=\"80\"/>\n" +
-             "</playitem></playlist>\n</ZorvanWebPlayerPrj>\n",
-         "4: warning: playlist/playitem/advertitem@sound: not read (the reader ignores this "
-         "attribute)"},
-        {"menu-frames",
-         menu + "<frames>\n" + repeat("<frameRc x=\"#\"/>\n", 13) + "</frames>\n</menu>\n",
-         "16: warning: frames/frameRc: 13 in the file, the record holds at most 12; this one and "
-         "the ones after it are dropped"},
-        {"menu-buttons",
-         menu + "<navbtnsInfo>\n" + repeat("<btnInfo x=\"#\"/>\n", 4) + "</navbtnsInfo>\n" +
-             "</menu>\n",
-         "7: warning: navbtnsInfo/btnInfo: 4 in the file, the record holds at most 3"},
-        {"menu-number", menu + "<texts>\n<textRc x=\"12px\"/>\n</texts>\n</menu>\n",
-         "4: warning: texts/textRc@x: the number '12px' reads as 12"},
-        {"menu-cut", menu + "<maskColor>0xFF00FF00FF00</maskColor>\n</menu>\n",
-         "3: warning: maskColor: cut to fit its field: the file holds 14 bytes, the record keeps "
-         "at most 11"},
-        {"menu-count",
-         menu + "<frames><frameRc/><frameRc/></frames>\n<framesBroadband>\n<frameRc/>" +
-             "</framesBroadband>\n</menu>\n",
-         "4: warning: framesBroadband: 1 frameRc here, 2 in frames (line 3); the one count both "
-         "share will be 1"},
-        {"group-word", group + "<optionItem displayType=\"dropdown\"/>\n</groupOption>\n",
-         "3: warning: optionItem@displayType: 'dropdown' is not a display type word the reader "
-         "knows; it reads as 0"},
-        {"group-heap-text",
-         group + "<optionItem>\n<Description>" + repeat("d", 1100) +
-             "</Description>\n</optionItem>\n</groupOption>\n",
-         "4: warning: optionItem/Description: cut to fit its field: the file holds 1100 bytes, "
-         "the record keeps at most 1023"},
-        {"group-stray-child", group + "<childOptionItem name=\"c\"/>\n</groupOption>\n",
-         "3: warning: childOptionItem: not read (the reader ignores this element)"},
-        {"product-element", product + "<linkURL>u</linkURL>\n</product></products>\n",
-         "4: warning: product/linkURL: not read (the reader ignores this element)"},
-        {"product-cut",
-         product + "<title>" + repeat("\xE4\xB8\xAD", 200) + "</title>\n</product></products>\n",
-         "4: warning: product/title: cut to fit its field: the file holds 400 bytes in GBK, the "
-         "record keeps at most 255"},
-        {"product-repeated",
-         product + "<title>a</title>\n<title>b</title>\n</product></products>\n",
-         "4: warning: product/title: repeated; the one of line 5 replaces this one"},
-    };
-    return cases;
-}
-
+// Each file of tests/data/lint holds one problem on a known line;
+// findings.txt gives, per file, what lint must report after "FILE:".
 TEST(Lint, ReportsTheOneProblemOfEachFileWithItsLineAndField) {
-    TempDir dir;
-    for (const LintCase& c : lintCases()) {
-        std::string path = writeFile(dir.file(std::string(c.name) + ".xml"), c.file), out;
-        EXPECT_EQ(runTool("lint " + path, &out), 1) << c.name;
-        EXPECT_NE(out.find(path + ':' + c.finding), std::string::npos) << c.name << '\n' << out;
-        EXPECT_NE(out.find("1 file, 1 warning\n"), std::string::npos) << c.name << '\n' << out;
+    std::istringstream findings(readFile(kData + "findings.txt"));
+    int files = 0;
+    for (std::string line; std::getline(findings, line); ++files) {
+        std::string path = kData + line.substr(0, line.find(':')), out;
+        EXPECT_EQ(runTool("lint " + path, &out), 1) << line;
+        EXPECT_NE(out.find(kData + line), std::string::npos) << line << '\n' << out;
+        EXPECT_NE(out.find("1 file, 1 warning\n"), std::string::npos) << line << '\n' << out;
     }
+    EXPECT_EQ(files, 25);
 }
 
 TEST(Lint, CountsTheFilesAFolderLoaderWouldLeave) {
@@ -228,6 +117,36 @@ TEST(Examples, LintFindsNothingAndShowJsonHoldsEveryFieldShowPrints) {
     EXPECT_EQ(rendered, text);
     // GBK record text arrives as UTF-8.
     EXPECT_NE(json.find("\"profileName\": \"网页展示 & 广告\""), std::string::npos);
+}
+
+TEST(Tool, ExitStatusesFollowTheContract) {
+    std::string out;
+    EXPECT_EQ(runTool("--help", &out), 0);
+    EXPECT_NE(out.find("kelprofile check DIR"), std::string::npos);
+    for (const char* args : {"", "frobnicate", "show"}) EXPECT_EQ(runTool(args), 2) << args;
+    for (const char* args : {"show /nonexistent/file.xml", "check /nonexistent"})
+        EXPECT_EQ(runTool(args), 1) << args;
+    EXPECT_EQ(runTool("check " KELPROFILE_SOURCE_DIR "/examples", &out), 0) << out;
+}
+
+// show's text is compared whole with show --json's in tool_test; here check
+// counts what it meets and names what does not survive a rewrite.
+TEST(Tool, ChecksEachFile) {
+    TempDir dir;
+    writeFile(dir.file("good.xml"), std::string("<tempOption><optionItem name=\"profileName\">") +
+                                        kUtf8Zhongwen + "</optionItem></tempOption>");
+    writeFile(dir.file("sub/other.xml"), "<unknownRoot/>");
+    writeFile(dir.file("notes.txt"), "not looked at");
+    std::string out;
+    EXPECT_EQ(runTool("check " + dir.path().string(), &out), 0) << out;
+    EXPECT_NE(out.find("2 files: 1 ok, 0 failed, 1 not recognised"), std::string::npos);
+
+    // GBK cannot hold the snowman, and its UTF-8 bytes kept in the record are
+    // no GBK text to write back: the value does not survive.
+    writeFile(dir.file("lossy.xml"),
+              "<tempOption><optionItem name=\"a\">\xE2\x98\x83</optionItem></tempOption>");
+    EXPECT_EQ(runTool("check " + dir.path().string(), &out), 1);
+    EXPECT_NE(out.find("FAILED  " + dir.file("lossy.xml")), std::string::npos) << out;
 }
 
 }  // namespace

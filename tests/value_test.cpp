@@ -22,9 +22,10 @@ TEST(Values, OneAndTwoComponentPathsReachTheFirstMatchingElement) {
     // Paths that find the values below in turn, then paths that find nothing: the
     // first Main only, elements only, empty components count.
     const std::string paths[] = {
-        "Main.Name", "Main.Name.",   kLongest,      "Empty",       "Main",         "Main.Extra",
-        "Main.text", "Main.comment", "Main.Desc.b", "Main.Name..", "Main..Name",   ".Main",
-        "",          "r.Main",       "a.b.c.d.e.f", kLong,         "Main." + kLong};
+        "Main.Name", "Main.Name.",   kLongest,      "Empty",       "Main",          "Main.Extra",
+        "Main.text", "Main.comment", "Main.Desc.b", "Main.Name..", "Main..Name",    ".Main",
+        "",          "r.Main",       "a.b.c.d.e.f", kLong,         "Main." + kLong, "Mai.Name",
+        "Main.Nam"};
     const char* values[] = {"Video", "Video", "longest", "", "\n    Video\n    a bold word\n  "};
     for (std::size_t i = 0; i < std::size(paths); ++i) {
         char buffer[64] = "untouched";
