@@ -254,6 +254,10 @@ TEST_F(ProfileFile, WritesWhatItReadsAndTheCasesAReadCannotProduce) {
                                 {">m4v<", std::string(">") + kUtf8Zhongwen + "<"},
                                 {">800<", std::string(">") + kUtf8Zhongwen + "<"},
                                 {"<ListValue></", "<ListValue>" + v + "," + v + "," + v + "</"}}));
+    // Bytes shaped like UTF-8 that encode a UTF-16 surrogate are no UTF-8:
+    // they are converted as GBK, and the file still saves.
+    std::strcpy(record->format, "\xED\xA0\x80");
+    EXPECT_EQ(saveXmlFile(dir.file("out.xml").c_str(), record.get()), 0);
 }
 
 TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
