@@ -112,12 +112,14 @@ TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
     EXPECT_EQ(readFile(path), golden("webplayer/empty-project.xml", readFile(path)));
 
     // An "flv" and an "mp4" advert and a "text" watermark, each with a sound
-    // set by the host; an "swf" watermark, in the media list also a global one.
+    // set by the host; an "swf" watermark, in the media list also a global
+    // one; an "flv" watermark, whose type selects the sound alone.
     ASSERT_EQ(project.read(write(std::string(R"(<ZorvanWebPlayerPrj><playlist><playitem>
   <advertitem videotype="flv" caption="ad"/><advertitem videotype="mp4"/>
   <watermarkitem videotype="text" fontname="f&amp;" fontcolor="255" caption=")") +
                                  kUtf8Zhongwen + R"("/>
   <watermarkitem videotype="swf" position="p" offsetleft="-5" swfwidth="6"/>
+  <watermarkitem videotype="flv" sound="2" fontname="no" swfwidth="7"/>
 </playitem></playlist></ZorvanWebPlayerPrj>)")),
               0);
     PlayItem& item = project->playItems[0];
