@@ -30,23 +30,15 @@ long everyAllocationFails(Run&& run) {
     }
 }
 
-// A profile with ten languages, list entries with labels in each, and a
-// second "Config" that replaces the first.
-std::string tenLanguageProfile() {
-    std::string texts = repeat(
-        "<Label lang=\"l#\">L</Label><Description lang=\"l#\">D</Description>"
-        "<ListItem lang=\"l#\">a,b,c,extra</ListItem>",
-        10);
-    return "<Profiles><Main><Name>n</Name>" +
-           repeat("<DisplayName lang=\"l#\">dl#</DisplayName>", 10) +
-           "<Desc lang=\"l0\">x</Desc></Main><Group><ID>1</ID>"
-           "<DisplayName lang=\"l3\">g</DisplayName></Group>"
-           "<Config><ConfigItem name=\"old\"><Label>o</Label></ConfigItem></Config><Config>" +
-           repeat("<ConfigItem name=\"i#\" displayType=\"list\">" + texts +
-                      "<ListValue>1,2,3</ListValue><DefaultValue>2</DefaultValue></ConfigItem>",
-                  3) +
-           "</Config></Profiles>";
+// Rich files of the families whose reads allocate much: a profile with ten
+// languages, list entries labelled in each and a second "Config" that
+// replaces the first; option items with child items; the example project
+// with a play list and an add-ons list met twice, so that failures also
+// come while the earlier ones are being replaced.
+std::string data(const char* name) {
+    return readFile(KELPROFILE_SOURCE_DIR "/tests/data/allocation/" + std::string(name));
 }
+const std::string kProfile = data("ten-languages.xml");
 
 // What one read left: its result, whether the record is as a failed read
 // must leave it, and a few of its values when it succeeded.
@@ -71,30 +63,14 @@ protected:
 };
 
 TEST_F(AllocationFailure, EveryFamilysReadGivesOneAndAClearedRecord) {
-    std::string profilePath = writeFile(dir.file("p.xml"), tenLanguageProfile());
+    std::string profilePath = writeFile(dir.file("p.xml"), kProfile);
     Profile source;
     ASSERT_EQ(praseXmlFile(profilePath.c_str(), &source), 0);
     GroupOPtion* group = createGroupOPtion(nullptr);  // read again and again
     ASSERT_NE(group, nullptr);
-    std::string groupXml = "<groupOption>";
-    for (int k = 0; k < 3; ++k)
-        groupXml += "<optionItem name=\"i\"><Description>d</Description>" +
-                    repeat(
-                        "<childOptionItem><Values>v</Values><DefaultValue>x</DefaultValue>"
-                        "<Description>c</Description><Values>w</Values></childOptionItem>",
-                        2) +
-                    "</optionItem>";
-    // The example project, with a play list and an add-ons list met twice, so
-    // that failures also come while the earlier ones are being replaced.
-    std::string project =
-        readFile(std::string(KELPROFILE_SOURCE_DIR) + "/examples/webplayer/travel-showreel.xml");
-    project.insert(project.find("</ZorvanWebPlayerPrj>"),
-                   "<playlist><playitem><advertitem/></playitem></playlist>" +
-                       project.substr(project.find("<playlist>"), project.find("<optionFileName>") -
-                                                                      project.find("<playlist>")));
 
     const FamilyRead families[] = {
-        {"profile", tenLanguageProfile(),
+        {"profile", kProfile,
          [](const char* path) {
              Profile p;
              Profile expected{};  // a failed read keeps only the file name
@@ -133,7 +109,7 @@ TEST_F(AllocationFailure, EveryFamilysReadGivesOneAndAClearedRecord) {
              return Outcome{praseDVDMenuXmlFile(path, &r), isCleared(r), r.bgImageName};
          },
          "bg.png", 0, 0},
-        {"option group", groupXml + "</groupOption>",
+        {"option group", data("option-group.xml"),
          [&](const char* path) {
              int rc = praseOPtionXmlFile(path, group);
              bool whole = rc == 0 && group->optionItemCount == 3;
@@ -168,7 +144,7 @@ TEST_F(AllocationFailure, EveryFamilysReadGivesOneAndAClearedRecord) {
              return o;
          },
          "2c", 6, 6},
-        {"web-player project", project,
+        {"web-player project", data("project-lists-twice.xml"),
          [](const char* path) {
              KELProject stale{};
              KELProject* p = &stale;
@@ -205,8 +181,8 @@ TEST_F(AllocationFailure, EveryFamilysReadGivesOneAndAClearedRecord) {
 }
 
 TEST_F(AllocationFailure, FolderLoadersLoseFilesNeverMemory) {
-    writeFile(dir.file("a.xml"), tenLanguageProfile());
-    writeFile(dir.file("sub/b.xml"), tenLanguageProfile());
+    writeFile(dir.file("a.xml"), kProfile);
+    writeFile(dir.file("sub/b.xml"), kProfile);
     writeFile(dir.file("sub/deeper/c.xml"), "<Profiles/>");
     std::string folder = dir.path().string();
     long failures = everyAllocationFails([&](auto failed) {
