@@ -33,9 +33,10 @@ template <class T>
 using HeapPtr = std::unique_ptr<T, FreeDeleter>;
 
 // A bound on what the records of one read may allocate, in force on the
-// reading thread while an instance lives: an allocation past it fails, and the reader takes its
-// allocation-failure path (1 and a cleared record). It keeps a small hostile
-// file from making a reader claim gigabytes of zeroed records.
+// reading thread while an instance lives: an allocation past it fails, and
+// the reader takes its allocation-failure path (1 and a cleared record). It
+// keeps a small hostile file from making a reader claim gigabytes of zeroed
+// records.
 class RecordBudget {
 public:
     static constexpr std::size_t kBytes = std::size_t{32} << 20;
