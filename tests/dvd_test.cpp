@@ -160,78 +160,43 @@ std::string writeDisc(std::vector<int32_t> counts, int32_t noMenu = 0,
     return readFile(dir.file("d.xml"));
 }
 
-std::string titleset(int t, const std::string& post) {
-    return "  <titleset>\n    <menus>\n      <pgc>\n        <pre>jump title 1;</pre>\n"
-           "      </pgc>\n    </menus>\n    <titles>\n"
-           "      <video format=\"NTSC\" aspect=\"4:3\"/>\n"
-           "      <audio lang=\"en\" format=\"ac3\"/>\n      <pgc>\n        <vob file=\"/v/t" +
-           std::to_string(t) + ".mpg\"/>\n        <post>" + post +
-           "</post>\n      </pgc>\n    </titles>\n  </titleset>\n";
-}
-
-// Menu page n: buttons running the given commands, then its video.
-std::string pgc(int n, const std::vector<std::string>& commands) {
-    std::string out = "      <pgc>\n";
-    for (std::size_t b = 0; b < commands.size(); ++b)
-        out += "        <button name=\"" + std::to_string(b + 1) + "\">" + commands[b] +
-               ";</button>\n";
-    return out + "        <vob file=\"/tmp/dvd/menu_01_" + (n < 10 ? "0" : "") + std::to_string(n) +
-           ".mpg\"/>\n        <post>jump cell 1;</post>\n      </pgc>\n";
-}
-
-const std::string kHead = std::string(kDecl) + "<dvdauthor jumppad=\"1\">\n",
-                  kMenus = "  <vmgm>\n    <menus>\n",
-                  kTail = "    </menus>\n  </vmgm>\n</dvdauthor>\n";
-
+// Discs given by the numbers of titles on their pages, and whether they
+// have no menu, each against its golden file; the last has an empty last
+// page, whose play button starts title 1 rather than a missing title 2.
 TEST(Dvdauthor, WritesTheDiscWithAndWithoutMenuPagesAndWithAnEmptyLastPage) {
-    std::string fourTitles;
-    for (int t = 1; t <= 4; ++t)
-        fourTitles += titleset(t, "call titleset " + std::to_string(t + 1) + " menu;");
     const struct {
         std::vector<int32_t> counts;
         int32_t noMenu;
-        std::string expected;
-    } cases[] = {
-        {{3, 2},
-         0,
-         kHead + fourTitles + titleset(5, "call vmgm menu 1;") + kMenus +
-             pgc(1, {"jump  title 1", "jump  title 2", "jump  title 3", "jump menu 2",
-                     "jump title 1"}) +
-             pgc(2, {"jump  title 4", "jump  title 5", "jump menu 1", "jump title 4"}) + kTail},
-        {{}, 1, kHead + "  <vmgm/>\n</dvdauthor>\n"},
-        {{}, 0, kHead + "  <vmgm>\n    <menus/>\n  </vmgm>\n</dvdauthor>\n"},
-        {{1}, 7, kHead + titleset(1, "call vmgm menu 1;") + "  <vmgm/>\n</dvdauthor>\n"},
-        // Title 1 is the disc's last; the empty page's play button starts
-        // title 1 rather than the missing title 2.
-        {{1, 0},
-         0,
-         kHead + titleset(1, "call vmgm menu 1;") + kMenus +
-             pgc(1, {"jump  title 1", "jump menu 2", "jump title 1"}) +
-             pgc(2, {"jump menu 1", "jump title 1"}) + kTail},
-    };
-    for (const auto& c : cases) EXPECT_EQ(writeDisc(c.counts, c.noMenu), c.expected);
+        const char* golden;
+    } cases[] = {{{3, 2}, 0, "dvd/disc-3-2.xml"},
+                 {{}, 1, "dvd/disc-no-menu.xml"},
+                 {{}, 0, "dvd/disc-empty.xml"},
+                 {{1}, 7, "dvd/disc-1-no-menu.xml"},
+                 {{1, 0}, 0, "dvd/disc-1-0.xml"},
+                 // An empty page amid others plays the next page's first title.
+                 {{1, 0, 1, -4}, 0, "dvd/disc-1-0-1-none.xml"},
+                 // A thirteenth title would be read past the page.
+                 {{13}, 0, "dvd/disc-13.xml"}};
+    for (const auto& c : cases) {
+        std::string disc = writeDisc(c.counts, c.noMenu);
+        EXPECT_EQ(disc, golden(c.golden, disc));
+    }
     TempDir dir;
     DVDDisc disc{nullptr, 3, 0, "/tmp/dvd"};
-    EXPECT_EQ(saveDVDXml(dir.file("d.xml").c_str(), &disc), 0);
-    EXPECT_EQ(readFile(dir.file("d.xml")), cases[2].expected);
+    EXPECT_EQ(saveDVDXml(dir.file("d.xml").c_str(), &disc), 0);  // pages missing
+    std::string pagesMissing = readFile(dir.file("d.xml"));
+    EXPECT_EQ(pagesMissing, golden("dvd/disc-empty.xml", pagesMissing));
     EXPECT_EQ(saveDVDXml(dir.file("missing/d.xml").c_str(), &disc), 1);
 }
 
 TEST(Dvdauthor, StaysWithinPagesTitlesAndMenuFolder) {
-    // An empty page amid others plays the next page's first title.
-    EXPECT_NE(writeDisc({1, 0, 1, -4}).find(pgc(2, {"jump menu 1", "jump menu 3", "jump title 2"})),
-              std::string::npos);
-
-    // A thirteenth title would be read past the page.
-    std::string text = writeDisc({13});
-    EXPECT_NE(text.find(titleset(12, "call vmgm menu 1;") + kMenus), std::string::npos);
-    EXPECT_NE(text.find("<button name=\"13\">jump title 1;</button>"), std::string::npos);
-
-    text = writeDisc(std::vector<int32_t>(100, 1));
-    for (const std::string& part :
-         {titleset(99, "call titleset 100 menu;"),
-          pgc(10, {"jump  title 10", "jump menu 9", "jump menu 11", "jump title 10"}),
-          pgc(100, {"jump  title 100", "jump menu 99", "jump title 100"})})
+    std::string text = writeDisc(std::vector<int32_t>(100, 1));
+    for (const char* part :
+         {"<post>call titleset 100 menu;</post>",
+          "<vob file=\"/v/t100.mpg\"/>\n        <post>call vmgm menu 1;</post>",
+          "<button name=\"2\">jump menu 9;</button>\n        <button name=\"3\">jump menu 11;",
+          "<button name=\"3\">jump title 100;</button>\n        <vob "
+          "file=\"/tmp/dvd/menu_01_100.mpg\"/>"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
 
     // A folder that fills its whole field, with no terminator.
