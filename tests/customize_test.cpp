@@ -41,34 +41,6 @@ protected:
     Record record;
 };
 
-TEST_F(CustomizeFile, ReadsEveryFieldIntoItsPlace) {
-    ASSERT_EQ(record.read(kRich), 0);
-    // Element text in GBK with the entity resolved; attributes in UTF-8.
-    EXPECT_EQ(join(record->profileName, record->GenerateFLV, record->GenerateSWF, record->swfType,
-                   record->GenerateHTML, record->GenerateThumbnail),
-              "\xCD\xF8\xD2\xB3\xD5\xB9\xCA\xBE & \xB9\xE3\xB8\xE6|1|1|2|1|0|");
-    const PlayOption& p = *record->playOption;
-    EXPECT_EQ(join(p.playerSkinPath, p.skinAutoHide, p.mouseAutoHide, p.hideDelay, p.r, p.g, p.b,
-                   p.preLoderSkinPath, p.effectSkinPath),
-              "skins/\xC9\xEE\xC0\xB6/player.swf|1|0|3|16|32|48|skins/preloader.swf|"
-              "skins/effects/fade.swf|");
-    ASSERT_EQ(record->insertADOptionCount, 3);
-    const InsertADOption& in = record->insertADOptions[0];
-    EXPECT_EQ(join(in.name, in.enable, in.fileType, in.positionType, in.imageInfo, in.videpPath,
-                   in.r, in.g, in.b, in.size, in.typeName, in.textR, in.textG, in.textB,
-                   in.duration, in.startTime, in.fontX, in.fontY, in.fontHeight),
-              "\xE7\x89\x87\xE5\xA4\xB4\xE5\xB9\xBF\xE5\x91\x8A|1|4|0|ads/opening.png||1|2|3|14|"
-              "\xE5\xAE\x8B\xE4\xBD\x93|255|254|253|5|2|10|20|16|");
-    ASSERT_EQ(record->adOptionCount, 2);
-    const ADOption& ad = record->adOptions[0];
-    EXPECT_EQ(join(ad.name, ad.enable, ad.fileType, ad.imageInfo, ad.videpPath, ad.size, ad.textR,
-                   ad.textG, ad.textB, ad.position, ad.duration, ad.clickURL, ad.clickTarget,
-                   ad.imageX, ad.imageY, ad.imageWidth, ad.imageHeight, ad.fontX, ad.fontY,
-                   ad.fontWidth, ad.fontHeight),
-              "banner|1|2|ads/banner.png||12|250|251|0|3|30|http://example.com/shop?a=1&b=2|_blank|"
-              "0|400|640|80|8|410|300|20|");
-}
-
 TEST_F(CustomizeFile, NumbersReadAsAtoiAndARepeatedSourceResetsAbsentOnes) {
     ASSERT_EQ(read(R"(<anyRoot>
   <swfTypeInfo GenerateFLV="1" GenerateSWF="1" swfType="9" GenerateHTML="1" GenerateThumbnail="1"/>
