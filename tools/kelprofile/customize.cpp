@@ -1,4 +1,5 @@
 // Publishing customization files in kelprofile.
+#include <cstdint>
 #include <cstring>
 
 #include "kelProfile.h"
@@ -10,92 +11,113 @@ bool recognise(const xmlNode* root) {
     return std::strcmp(reinterpret_cast<const char*>(root->name), "root") == 0;
 }
 
-void showPlayer(tool::Printer& p, const PlayOption& play) {
-    p.open("playOption")
-        .gbk("playerSkinPath", play.playerSkinPath)
-        .number("skinAutoHide", play.skinAutoHide)
-        .number("mouseAutoHide", play.mouseAutoHide)
-        .number("hideDelay", play.hideDelay)
-        .number("r", play.r)
-        .number("g", play.g)
-        .number("b", play.b)
-        .gbk("preLoderSkinPath", play.preLoderSkinPath)
-        .gbk("effectSkinPath", play.effectSkinPath)
-        .close();
+using tool::Code;
+
+void describePlayer(tool::Fields& f, PlayOption& play) {
+    f.open("playOption");
+    f.text("playerSkinPath", play.playerSkinPath, Code::Gbk);
+    f.number("skinAutoHide", play.skinAutoHide);
+    f.number("mouseAutoHide", play.mouseAutoHide);
+    f.number("hideDelay", play.hideDelay);
+    f.number("r", play.r);
+    f.number("g", play.g);
+    f.number("b", play.b);
+    f.text("preLoderSkinPath", play.preLoderSkinPath, Code::Gbk);
+    f.text("effectSkinPath", play.effectSkinPath, Code::Gbk);
+    f.close();
 }
 
-void showInsertAd(tool::Printer& p, const InsertADOption& ad, int i) {
-    p.open("insertADOption", i)
-        .text("name", ad.name)
-        .number("enable", ad.enable)
-        .number("fileType", ad.fileType)
-        .number("positionType", ad.positionType)
-        .gbk("imageInfo", ad.imageInfo)
-        .gbk("textContent", ad.textContent)
-        .gbk("videpPath", ad.videpPath)
-        .number("r", ad.r)
-        .number("g", ad.g)
-        .number("b", ad.b)
-        .number("size", ad.size)
-        .text("typeName", ad.typeName)
-        .number("textR", ad.textR)
-        .number("textG", ad.textG)
-        .number("textB", ad.textB)
-        .number("duration", ad.duration)
-        .number("startTime", ad.startTime)
-        .text("fontX", ad.fontX)
-        .text("fontY", ad.fontY)
-        .text("fontHeight", ad.fontHeight)
-        .close();
+// Runs of fields both kinds of advert hold: from "name" to "fileType",
+template <class Advert>
+void describeHead(tool::Fields& f, Advert& ad) {
+    f.text("name", ad.name, Code::Utf8);
+    f.number("enable", ad.enable);
+    f.number("fileType", ad.fileType);
 }
 
-void showAd(tool::Printer& p, const ADOption& ad, int i) {
-    p.open("ADOption", i)
-        .text("name", ad.name)
-        .number("enable", ad.enable)
-        .number("fileType", ad.fileType)
-        .gbk("imageInfo", ad.imageInfo)
-        .gbk("textContent", ad.textContent)
-        .gbk("videpPath", ad.videpPath)
-        .number("size", ad.size)
-        .text("typeName", ad.typeName)
-        .number("textR", ad.textR)
-        .number("textG", ad.textG)
-        .number("textB", ad.textB)
-        .gbk("caption", ad.caption)
-        .number("position", ad.position)
-        .number("duration", ad.duration)
-        .text("clickURL", ad.clickURL)
-        .text("clickTarget", ad.clickTarget)
-        .text("imageX", ad.imageX)
-        .text("imageY", ad.imageY)
-        .text("imageWidth", ad.imageWidth)
-        .text("imageHeight", ad.imageHeight)
-        .text("fontX", ad.fontX)
-        .text("fontY", ad.fontY)
-        .text("fontWidth", ad.fontWidth)
-        .text("fontHeight", ad.fontHeight)
-        .close();
+// the three media texts,
+template <class Advert>
+void describeMedia(tool::Fields& f, Advert& ad) {
+    f.text("imageInfo", ad.imageInfo, Code::Gbk);
+    f.text("textContent", ad.textContent, Code::Gbk);
+    f.text("videpPath", ad.videpPath, Code::Gbk);
 }
 
-bool show(const char* path, tool::Printer& p) {
-    Customize record;
-    if (praseCustomizeXmlFile(path, &record) != 0) return false;
-    p.gbk("profileName", record.profileName)
-        .number("GenerateFLV", record.GenerateFLV)
-        .number("GenerateSWF", record.GenerateSWF)
-        .number("swfType", record.swfType)
-        .number("GenerateHTML", record.GenerateHTML)
-        .number("GenerateThumbnail", record.GenerateThumbnail);
+// and the font of the text.
+template <class Advert>
+void describeFont(tool::Fields& f, Advert& ad) {
+    f.number("size", ad.size);
+    f.text("typeName", ad.typeName, Code::Utf8);
+    f.number("textR", ad.textR);
+    f.number("textG", ad.textG);
+    f.number("textB", ad.textB);
+}
+
+void describeInsertAd(tool::Fields& f, InsertADOption& ad) {
+    describeHead(f, ad);
+    f.number("positionType", ad.positionType);
+    describeMedia(f, ad);
+    f.number("r", ad.r);
+    f.number("g", ad.g);
+    f.number("b", ad.b);
+    describeFont(f, ad);
+    f.number("duration", ad.duration);
+    f.number("startTime", ad.startTime);
+    f.text("fontX", ad.fontX, Code::Utf8);
+    f.text("fontY", ad.fontY, Code::Utf8);
+    f.text("fontHeight", ad.fontHeight, Code::Utf8);
+}
+
+void describeAd(tool::Fields& f, ADOption& ad) {
+    describeHead(f, ad);
+    describeMedia(f, ad);
+    describeFont(f, ad);
+    f.text("caption", ad.caption, Code::Gbk);
+    f.number("position", ad.position);
+    f.number("duration", ad.duration);
+    f.text("clickURL", ad.clickURL, Code::Utf8);
+    f.text("clickTarget", ad.clickTarget, Code::Utf8);
+    f.text("imageX", ad.imageX, Code::Utf8);
+    f.text("imageY", ad.imageY, Code::Utf8);
+    f.text("imageWidth", ad.imageWidth, Code::Utf8);
+    f.text("imageHeight", ad.imageHeight, Code::Utf8);
+    f.text("fontX", ad.fontX, Code::Utf8);
+    f.text("fontY", ad.fontY, Code::Utf8);
+    f.text("fontWidth", ad.fontWidth, Code::Utf8);
+    f.text("fontHeight", ad.fontHeight, Code::Utf8);
+}
+
+void describe(tool::Fields& f, Customize& c) {
+    f.text("profileName", c.profileName, Code::Gbk);
+    f.number("GenerateFLV", c.GenerateFLV);
+    f.number("GenerateSWF", c.GenerateSWF);
+    f.number("swfType", c.swfType);
+    f.number("GenerateHTML", c.GenerateHTML);
+    f.number("GenerateThumbnail", c.GenerateThumbnail);
     // The library saves a record without a player as one of zeros: the two
     // are the same settings, and show alike.
-    static const PlayOption noPlayer{};
-    showPlayer(p, record.playOption ? *record.playOption : noPlayer);
-    for (int i = 0; i < record.insertADOptionCount; ++i)
-        showInsertAd(p, record.insertADOptions[i], i);
-    for (int i = 0; i < record.adOptionCount; ++i) showAd(p, record.adOptions[i], i);
+    PlayOption none{};
+    if (f.filling()) c.playOption = static_cast<PlayOption*>(tool::allocate(1, sizeof(PlayOption)));
+    describePlayer(f, c.playOption ? *c.playOption : none);
+    tool::records(f, "insertADOption", c.insertADOptions, c.insertADOptionCount, INT32_MAX,
+                  describeInsertAd);
+    tool::records(f, "ADOption", c.adOptions, c.adOptionCount, INT32_MAX, describeAd);
+}
+
+bool show(const char* path, tool::Fields& f) {
+    Customize record;
+    if (praseCustomizeXmlFile(path, &record) != 0) return false;
+    describe(f, record);
     freeCustomize(&record);
     return true;
+}
+
+int write(tool::Fields& from, const char* dst) {
+    Customize record{};
+    describe(from, record);
+    int result = from.accepted() ? saveCustomizeXmlFile(dst, &record) : 1;
+    freeCustomize(&record);
+    return result;
 }
 
 int rewrite(const char* src, const char* dst) {
@@ -106,7 +128,7 @@ int rewrite(const char* src, const char* dst) {
     return result;
 }
 
-tool::RegisterFamily family({"customizations", "\"root\"", recognise, show, rewrite, nullptr,
+tool::RegisterFamily family({"customizations", "\"root\"", recognise, show, rewrite, write, nullptr,
                              true});
 
 }  // namespace

@@ -35,47 +35,50 @@ bool isEmpty(const DVDMenuItem& item) {
     return !item.imgName[0] && !item.imgMaskPath[0] && !item.x && !item.y && !item.w && !item.h;
 }
 
-void item(tool::Printer& p, const char* label, int index, const DVDMenuItem& it) {
-    p.open(label, index)
-        .text("imgName", it.imgName)
-        .text("imgMaskPath", it.imgMaskPath)
-        .number("x", it.x)
-        .number("y", it.y)
-        .number("w", it.w)
-        .number("h", it.h)
-        .close();
+using tool::Code;
+
+void describeItem(tool::Fields& f, DVDMenuItem& it) {
+    f.text("imgName", it.imgName, Code::Utf8);
+    f.text("imgMaskPath", it.imgMaskPath, Code::Utf8);
+    f.number("x", it.x);
+    f.number("y", it.y);
+    f.number("w", it.w);
+    f.number("h", it.h);
 }
 
-// A list's slots that hold something; a slot beyond the count may still
-// hold an item, since the two variants share one count.
+// A list's slots; all: every slot, else those that hold something (a slot
+// beyond the count may still hold an item, since the two variants share
+// one count).
 template <std::size_t N>
-void items(tool::Printer& p, const char* label, const DVDMenuItem (&list)[N]) {
-    for (std::size_t i = 0; i < N; ++i)
-        if (!isEmpty(list[i])) item(p, label, static_cast<int>(i), list[i]);
+void describeItems(tool::Fields& f, const char* name, DVDMenuItem (&list)[N], bool all = false) {
+    f.list(name, N, N);
+    for (std::size_t i = 0; i < N; ++i) {
+        if (!all && isEmpty(list[i])) continue;
+        f.item(static_cast<int>(i));
+        describeItem(f, list[i]);
+        f.close();
+    }
+    f.endList();
 }
 
-void buttons(tool::Printer& p, const char* label, const DVDMenuItem (&list)[3]) {
-    for (int i = 0; i < 3; ++i) item(p, label, i, list[i]);
-}
-
-bool show(const char* path, tool::Printer& p) {
+bool show(const char* path, tool::Fields& f) {
     DVDMenu m;
     if (praseDVDMenuXmlFile(path, &m) != 0) return false;
-    p.text("thumbnailName", m.thumbnailName)
-        .text("thumbnailNameBroadband", m.thumbnailNameBroadband)
-        .text("bgImageName", m.bgImageName)
-        .text("bgImageNameBroadband", m.bgImageNameBroadband)
-        .text("frameImgName", m.frameImgName)
-        .text("imgMaskPath", m.imgMaskPath)
-        .text("maskColor", m.maskColor)
-        .number("frameCount", m.frameCount)
-        .number("textCount", m.textCount);
-    items(p, "frame", m.frames);
-    items(p, "text", m.texts);
-    buttons(p, "navbtn", m.navbtnsInfo);
-    items(p, "frameBroadband", m.framesBroadband);
-    items(p, "textBroadband", m.textsBroadband);
-    buttons(p, "navbtnBroadband", m.navbtnsInfoBroadband);
+    f.text("thumbnailName", m.thumbnailName, Code::Utf8);
+    f.text("thumbnailNameBroadband", m.thumbnailNameBroadband, Code::Utf8);
+    f.text("bgImageName", m.bgImageName, Code::Utf8);
+    f.text("bgImageNameBroadband", m.bgImageNameBroadband, Code::Utf8);
+    f.text("frameImgName", m.frameImgName, Code::Utf8);
+    f.text("imgMaskPath", m.imgMaskPath, Code::Utf8);
+    f.text("maskColor", m.maskColor, Code::Utf8);
+    f.number("frameCount", m.frameCount);
+    f.number("textCount", m.textCount);
+    describeItems(f, "frame", m.frames);
+    describeItems(f, "text", m.texts);
+    describeItems(f, "navbtn", m.navbtnsInfo, true);
+    describeItems(f, "frameBroadband", m.framesBroadband);
+    describeItems(f, "textBroadband", m.textsBroadband);
+    describeItems(f, "navbtnBroadband", m.navbtnsInfoBroadband, true);
     return true;
 }
 
@@ -181,7 +184,7 @@ void lint(const xmlNode* root, tool::Lint& lint) {
 
 tool::RegisterFamily family({"DVD menu template",
                              "any root holding template elements such as \"frames\"", recognise,
-                             show, nullptr, lint, false});
+                             show, nullptr, nullptr, lint, false});
 
 // ---- kelprofile dvd -------------------------------------------------------
 

@@ -86,11 +86,7 @@ enum class GbkForm { Fits, TooLong, None };
 
 // The GBK form of UTF-8 text, as the readers of GBK records convert it.
 GbkForm toGbk(const std::string& utf8Text, std::string& gbk) {
-    std::vector<char> out(utf8Text.size() + 2);
-    char to[] = "gbk", from[] = "UTF-8";
-    if (covert(to, from, utf8Text.data(), utf8Text.size(), out.data(), out.size()) != 0)
-        return GbkForm::None;
-    gbk = out.data();
+    if (!convert("gbk", "UTF-8", utf8Text, gbk)) return GbkForm::None;
     return gbk.size() < kConversionBuffer ? GbkForm::Fits : GbkForm::TooLong;
 }
 
@@ -397,7 +393,7 @@ int lintFile(const std::string& path, const fs::path& scratch) {
     } else if (family.lint) {
         // Only what the library reads at all has findings.
         std::ostringstream discard;
-        if (!family.show(path.c_str(), *textPrinter(discard))) {
+        if (!family.show(path.c_str(), *textFields(discard))) {
             std::cout << path << ": error: the library cannot read it\n";
             return -1;
         }

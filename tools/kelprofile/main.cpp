@@ -110,24 +110,6 @@ Parsed identify(const std::string& path) {
     return parsed;
 }
 
-std::string utf8(const char* gbk) {
-    if (!gbk) return "";
-    char out[4096];
-    char to[] = "UTF-8", from[] = "gbk";
-    if (covert(to, from, gbk, std::strlen(gbk), out, sizeof out) == 0) return out;
-    std::string shown;
-    for (const unsigned char* p = reinterpret_cast<const unsigned char*>(gbk); *p; ++p) {
-        if (*p < 0x80) {
-            shown += static_cast<char>(*p);
-        } else {
-            char hex[8];
-            std::snprintf(hex, sizeof hex, "\\x%02X", *p);
-            shown += hex;
-        }
-    }
-    return shown;
-}
-
 void error(const std::string& message) {
     std::cerr << "kelprofile: " << message << '\n';
 }

@@ -4,6 +4,7 @@
 // The library's readers do not look at the root element; the tool knows
 // these files by the roots the application's files (and the examples) use:
 // "groupOption" for an option group, "products" for product information.
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -17,62 +18,56 @@ bool hasRoot(const xmlNode* root, const char* name) {
     return std::strcmp(reinterpret_cast<const char*>(root->name), name) == 0;
 }
 
-std::string typeName(int code, const char* name) {
-    return std::to_string(code) + " (" + name + ")";
+using tool::Code;
+
+void describeChild(tool::Fields& f, ChildOptionItem& child) {
+    f.text("name", child.name, Code::Utf8);
+    f.number("readyOnly", child.readyOnly);
+    f.type("displayType", child.displayType, findDisplayStr);
+    f.type("valueType", child.valueType, findValueType);
+    f.heap("values", child.values, Code::Gbk);
+    f.heap("defaultValue", child.defaultValue, Code::Gbk);
+    f.heap("description", child.description, Code::Gbk);
 }
 
-void showChild(tool::Printer& p, const ChildOptionItem& child, int j) {
-    p.open("childOptionItem", j)
-        .text("name", child.name)
-        .number("readyOnly", child.readyOnly)
-        .text("displayType", typeName(child.displayType, findDisplayStr(child.displayType)).c_str())
-        .text("valueType", typeName(child.valueType, findValueType(child.valueType)).c_str())
-        .gbk("values", child.values)
-        .gbk("defaultValue", child.defaultValue)
-        .gbk("description", child.description)
-        .close();
+void describeItem(tool::Fields& f, OptionItem& item) {
+    f.text("name", item.name, Code::Utf8);
+    f.number("readyOnly", item.readyOnly);
+    f.type("displayType", item.displayType, findDisplayStr);
+    f.heap("description", item.description, Code::Gbk);
+    tool::records(f, "childOptionItem", item.childItems, item.childItemCount, INT32_MAX,
+                  describeChild);
 }
 
-bool showGroup(const char* path, tool::Printer& p) {
+bool showGroup(const char* path, tool::Fields& f) {
     GroupOPtion* group = createGroupOPtion(nullptr);
     if (!group || praseOPtionXmlFile(path, group) != 0) {
         freeGroupOPtion(&group);
         return false;
     }
-    for (int k = 0; k < group->optionItemCount; ++k) {
-        const OptionItem& item = group->optionItems[k];
-        p.open("optionItem", k)
-            .text("name", item.name)
-            .number("readyOnly", item.readyOnly)
-            .text("displayType",
-                  typeName(item.displayType, findDisplayStr(item.displayType)).c_str())
-            .gbk("description", item.description);
-        for (int j = 0; j < item.childItemCount; ++j) showChild(p, item.childItems[j], j);
-        p.close();
-    }
+    tool::records(f, "optionItem", group->optionItems, group->optionItemCount, INT32_MAX,
+                  describeItem);
     freeGroupOPtion(&group);
     return true;
 }
 
-bool showProducts(const char* path, tool::Printer& p) {
+void describeProduct(tool::Fields& f, ProductInfo& product) {
+    f.text("title", product.title, Code::Gbk);
+    f.text("content", product.content, Code::Gbk);
+    f.text("buttonName", product.buttonName, Code::Gbk);
+    f.text("linkURl", product.linkURl, Code::Gbk);
+}
+
+bool showProducts(const char* path, tool::Fields& f) {
     RecordArray result{nullptr, 0};
     if (praseProductXmlFile(path, &result) != 0) return false;
-    const auto* products = static_cast<const ProductInfo*>(result.records);
-    for (int k = 0; k < result.count; ++k)
-        p.open("product", k)
-            .gbk("title", products[k].title)
-            .gbk("content", products[k].content)
-            .gbk("buttonName", products[k].buttonName)
-            .gbk("linkURl", products[k].linkURl)
-            .close();
+    auto* products = static_cast<ProductInfo*>(result.records);
+    tool::records(f, "product", products, result.count, INT32_MAX, describeProduct);
     std::free(result.records);
     return true;
 }
 
 // ---- lint: what the readers keep of the files -------------------------------
-
-// Heap texts hold at most 1023 bytes.
-constexpr std::size_t kHeapText = 1024;
 
 void lintType(const xmlNode* node, tool::Lint& lint, const std::string& where,
               const char* attribute) {
@@ -101,7 +96,7 @@ void lintOption(const xmlNode* node, tool::Lint& lint, const std::string& where,
         lint.repeated(node, where, *name, true);
         for (const xmlNode* c : tool::elementChildren(node))
             if (tool::named(c, *name))
-                lint.text(c, where + '/' + *name, tool::content(c), kHeapText, true);
+                lint.text(c, where + '/' + *name, tool::content(c), tool::kHeapText, true);
     }
 }
 
@@ -143,9 +138,9 @@ void lintProducts(const xmlNode* root, tool::Lint& lint) {
 
 tool::RegisterFamily groups({"option groups", "\"groupOption\"",
                              [](const xmlNode* root) { return hasRoot(root, "groupOption"); },
-                             showGroup, nullptr, lintGroup, true});
+                             showGroup, nullptr, nullptr, lintGroup, true});
 tool::RegisterFamily products({"product information", "\"products\"",
                                [](const xmlNode* root) { return hasRoot(root, "products"); },
-                               showProducts, nullptr, lintProducts, true});
+                               showProducts, nullptr, nullptr, lintProducts, true});
 
 }  // namespace

@@ -9,77 +9,95 @@ namespace tool {
 
 namespace {
 
-class TextPrinter : public Printer {
-public:
-    explicit TextPrinter(std::ostream& out) : out_(out) {}
+std::string typeText(int32_t code, const char* (*word)(int)) {
+    return std::to_string(code) + " (" + word(code) + ")";
+}
 
-    Printer& number(const char* label, long value) override {
-        indent();
-        out_ << label << ": " << value << '\n';
-        return *this;
+class TextFields : public Fields {
+public:
+    explicit TextFields(std::ostream& out) : out_(out) {}
+
+    void text(const char* name, char* field, std::size_t width, Code code) override {
+        line(name) << shown(field, width, code) << '\n';
     }
-    Printer& open(const char* label, int index) override {
+    void heap(const char* name, char*& field, Code code, bool) override {
+        line(name) << (field ? shown(field, kHeapText, code) : "(null)") << '\n';
+    }
+    void number(const char* name, int32_t& field) override { line(name) << field << '\n'; }
+    void type(const char* name, int32_t& field, const char* (*word)(int)) override {
+        line(name) << typeText(field, word) << '\n';
+    }
+    void open(const char* name) override {
         indent();
-        out_ << label;
-        if (index >= 0) out_ << ' ' << index;
-        out_ << ":\n";
+        out_ << name << ":\n";
         ++depth_;
-        return *this;
     }
-    Printer& close() override {
-        --depth_;
-        return *this;
+    void close() override { --depth_; }
+    int list(const char* name, int count, int) override {
+        lists_.push_back(name);
+        return count;
     }
+    void item(int index) override {
+        indent();
+        out_ << lists_.back() << ' ' << index << ":\n";
+        ++depth_;
+    }
+    void heapAt(int index, char*& field, Code code, bool emptyIsNull) override {
+        heap((lists_.back() + ' ' + std::to_string(index)).c_str(), field, code, emptyIsNull);
+    }
+    void endList() override { lists_.pop_back(); }
 
 private:
-    void put(const char* label, int index, const char* value, bool gbk) override {
+    std::ostream& line(const char* name) {
         indent();
-        out_ << label;
-        if (index >= 0) out_ << ' ' << index;
-        out_ << ": " << (!value ? std::string("(null)") : gbk ? utf8(value) : value) << '\n';
+        return out_ << name << ": ";
     }
     void indent() { out_ << std::string(static_cast<std::size_t>(depth_) * 2, ' '); }
 
     std::ostream& out_;
     int depth_ = 0;
+    std::vector<std::string> lists_;
 };
 
-// A record as a JSON object: a label with an index is an array of that
-// name (slots the record leaves out are null), a null text is null.
-class JsonPrinter : public Printer {
+// A record as a JSON object: a list is an array of that name (slots a
+// record leaves out are null), a null heap text is null.
+class JsonFields : public Fields {
 public:
-    JsonPrinter() : open_{&record_} {}
+    JsonFields() : open_{&record_} {}
 
-    Printer& number(const char* label, long value) override {
-        slot(label, -1) = value;
-        return *this;
+    void text(const char* name, char* field, std::size_t width, Code code) override {
+        member(name) = shown(field, width, code);
     }
-    Printer& open(const char* label, int index) override {
-        nlohmann::ordered_json& block = slot(label, index);
-        block = nlohmann::ordered_json::object();
-        open_.push_back(&block);
-        return *this;
+    void heap(const char* name, char*& field, Code code, bool) override {
+        put(member(name), field, code);
     }
-    Printer& close() override {
-        if (open_.size() > 1) open_.pop_back();
-        return *this;
+    void number(const char* name, int32_t& field) override { member(name) = field; }
+    void type(const char* name, int32_t& field, const char* (*word)(int)) override {
+        member(name) = typeText(field, word);
     }
+    void open(const char* name) override { push(member(name) = nlohmann::ordered_json::object()); }
+    void close() override { open_.pop_back(); }
+    int list(const char* name, int count, int) override {
+        push(member(name) = nlohmann::ordered_json::array());
+        return count;
+    }
+    void item(int index) override { push(at(index) = nlohmann::ordered_json::object()); }
+    void heapAt(int index, char*& field, Code code, bool) override { put(at(index), field, code); }
+    void endList() override { open_.pop_back(); }
+
     nlohmann::ordered_json take() { return std::move(record_); }
 
 private:
-    void put(const char* label, int index, const char* value, bool gbk) override {
-        nlohmann::ordered_json& to = slot(label, index);
-        if (value)
-            to = gbk ? utf8(value) : std::string(value);
+    nlohmann::ordered_json& member(const char* name) { return (*open_.back())[name]; }
+    nlohmann::ordered_json& at(int index) {
+        return (*open_.back())[static_cast<std::size_t>(index)];
+    }
+    void push(nlohmann::ordered_json& block) { open_.push_back(&block); }
+    static void put(nlohmann::ordered_json& to, const char* field, Code code) {
+        if (field)
+            to = shown(field, kHeapText, code);
         else
             to = nullptr;
-    }
-    nlohmann::ordered_json& slot(const char* label, int index) {
-        nlohmann::ordered_json& in = *open_.back();
-        if (index < 0) return in[label];
-        nlohmann::ordered_json& list = in[label];
-        if (!list.is_array()) list = nlohmann::ordered_json::array();
-        return list[static_cast<std::size_t>(index)];
     }
 
     nlohmann::ordered_json record_ = nlohmann::ordered_json::object();
@@ -88,8 +106,8 @@ private:
 
 }  // namespace
 
-std::unique_ptr<Printer> textPrinter(std::ostream& out) {
-    return std::make_unique<TextPrinter>(out);
+std::unique_ptr<Fields> textFields(std::ostream& out) {
+    return std::make_unique<TextFields>(out);
 }
 
 int showJson(const std::vector<std::string>& paths) {
@@ -102,7 +120,7 @@ int showJson(const std::vector<std::string>& paths) {
             status = kFailed;
             continue;
         }
-        JsonPrinter record;
+        JsonFields record;
         if (!parsed.family->show(path.c_str(), record)) {
             std::cerr << path << ": error: the library cannot read it\n";
             status = kFailed;
@@ -110,8 +128,7 @@ int showJson(const std::vector<std::string>& paths) {
         }
         all.push_back({{"path", path}, {"family", parsed.family->name}, {"record", record.take()}});
     }
-    // Text that is not UTF-8 (a UTF-8 record field holding other bytes) is
-    // shown with U+FFFD rather than failing the whole output.
+    // Record text is UTF-8 by now; a path that is not is shown with U+FFFD.
     std::cout << all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
     return status;
 }

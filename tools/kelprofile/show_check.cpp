@@ -32,7 +32,7 @@ int show(const std::vector<std::string>& args) {
             continue;
         }
         std::cout << "== " << path << " (" << parsed.family->name << ")\n";
-        if (!parsed.family->show(path.c_str(), *tool::textPrinter(std::cout))) {
+        if (!parsed.family->show(path.c_str(), *tool::textFields(std::cout))) {
             std::cerr << path << ": error: the library cannot read it\n";
             status = tool::kFailed;
         }
@@ -49,7 +49,7 @@ bool isXmlName(const fs::path& p) {
 // through another path changes by design.
 std::vector<std::string> dump(const tool::Family& family, const char* path, bool& ok) {
     std::ostringstream out;
-    ok = family.show(path, *tool::textPrinter(out));
+    ok = family.show(path, *tool::textFields(out));
     std::vector<std::string> lines;
     std::istringstream in(out.str());
     for (std::string line; std::getline(in, line);)

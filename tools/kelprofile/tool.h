@@ -12,7 +12,7 @@
 
 namespace tool {
 
-class Printer;
+class Fields;
 class Lint;
 
 // One kind of file the tool knows.
@@ -23,12 +23,16 @@ struct Family {
     const char* roots;
     // Whether a document with this root element is of this family.
     bool (*recognise)(const xmlNode* root);
-    // Reads the file and prints every field of its records; false when the
+    // Reads the file and visits every field of its records; false when the
     // library cannot read it.
-    bool (*show)(const char* path, Printer& out);
+    bool (*show)(const char* path, Fields& out);
     // Reads src and writes the record to dst with the library's writer:
     // 0 on success. Null for families the library only reads.
     int (*rewrite)(const char* src, const char* dst);
+    // Fills a cleared record from the fields (write's JSON) and, when they
+    // were accepted, saves it to dst with the library's writer: 0 saved, 1
+    // not. Null for families the library only reads.
+    int (*write)(Fields& from, const char* dst);
     // For families the library only reads: reports what a read would lose
     // or change, from the parsed file. Families with a writer leave it null:
     // lint compares the file with what the writer makes of its record.
@@ -73,43 +77,104 @@ struct Parsed {
 // Parses a file and finds its family by the root element.
 Parsed identify(const std::string& path);
 
-// Record text (GBK) as UTF-8 for display; unconvertible bytes as \xNN.
-std::string utf8(const char* gbk);
+// How a record holds a text.
+enum class Code { Utf8, Gbk };
 
-// Receives the fields of a record, labelled, with nesting. The text form
-// prints "label: value" lines; the JSON form builds an object.
-class Printer {
+// Converts text between the code sets "UTF-8" and "gbk"; false when it has
+// no form in the target.
+bool convert(const char* to, const char* from, const std::string& in, std::string& out);
+
+// Record text as shown: UTF-8, converted from GBK for a GBK field. A byte
+// with no character of the field's code is shown as \xNN, and a backslash
+// that would read as such as \x5C, so that every record text has one shown
+// form and back (fromShown).
+std::string shown(const char* text, std::size_t width, Code code);
+// The record bytes of a shown text; false with why when it has none (a
+// character without a GBK form, a NUL or other control character).
+bool fromShown(const std::string& text, Code code, std::string& bytes, std::string& why);
+
+// Heap texts of the records hold at most 1023 bytes.
+constexpr std::size_t kHeapText = 1024;
+
+// The fields of a record, in order. Each record has one description (a
+// describe function in its family's file) that visits them: show prints
+// what it visits as text or JSON, and write fills a cleared record from
+// JSON through the same description, so no field is printed under one
+// name and read under another.
+class Fields {
 public:
-    virtual ~Printer() = default;
-    Printer& text(const char* label, const char* value) {  // UTF-8 text
-        put(label, -1, value, false);
-        return *this;
-    }
-    Printer& gbk(const char* label, const char* value) {  // GBK record text
-        put(label, -1, value, true);
-        return *this;
-    }
-    // One element of a list of texts, such as a language slot.
-    Printer& textAt(const char* label, int index, const char* value) {
-        put(label, index, value, false);
-        return *this;
-    }
-    Printer& gbkAt(const char* label, int index, const char* value) {
-        put(label, index, value, true);
-        return *this;
-    }
-    virtual Printer& number(const char* label, long value) = 0;
-    // Starts a nested block "label:"; an index >= 0 makes it an element of
-    // the list "label".
-    virtual Printer& open(const char* label, int index = -1) = 0;
-    virtual Printer& close() = 0;
+    virtual ~Fields() = default;
+    // True when the visit fills the record, false when it only shows it.
+    virtual bool filling() const { return false; }
+    // Whether what was filled may be saved (no field was refused).
+    virtual bool accepted() { return true; }
 
-protected:
-    virtual void put(const char* label, int index, const char* value, bool gbk) = 0;
+    // A text in a fixed field of width bytes, the terminator included.
+    virtual void text(const char* name, char* field, std::size_t width, Code code) = 0;
+    template <std::size_t N>
+    void text(const char* name, char (&field)[N], Code code) {
+        text(name, field, N, code);
+    }
+    // A heap text of at most 1023 bytes, or null; emptyIsNull: the reader
+    // keeps an empty text as null.
+    virtual void heap(const char* name, char*& field, Code code, bool emptyIsNull = false) = 0;
+    virtual void number(const char* name, int32_t& field) = 0;
+    // A type code of a profile or option item, shown "20 (list)"; word
+    // gives the word of a code, "" for one the files do not use.
+    virtual void type(const char* name, int32_t& field, const char* (*word)(int)) = 0;
+    // A nested block of fields, ended by close().
+    virtual void open(const char* name) = 0;
+    virtual void close() = 0;
+    // A list of at most capacity items: count is how many the record holds;
+    // gives how many to visit. Its items are blocks (item(i), the fields,
+    // close()) or heap texts (heapAt). endList() ends it.
+    virtual int list(const char* name, int count, int capacity) = 0;
+    virtual void item(int index) = 0;
+    virtual void heapAt(int index, char*& field, Code code, bool emptyIsNull = false) = 0;
+    virtual void endList() = 0;
+    // Refuses the named field of the current block when a record holding
+    // it could not come from a file (filling only).
+    virtual void refuse(const char* name, const std::string& why) {
+        (void)name;
+        (void)why;
+    }
 };
 
-// The text form, on a stream.
-std::unique_ptr<Printer> textPrinter(std::ostream& out);
+// A record block the tool fills, of room for at least one record, as the
+// library's readers leave even an empty list (throws bad_alloc).
+void* allocate(std::size_t count, std::size_t size);
+
+// A list of records in one malloc block with its count: shown, or filled
+// (the block has room for at least room records). each(fields, record)
+// describes one record.
+template <class T, class Each>
+int records(Fields& f, const char* name, T*& items, int32_t& count, int capacity, Each each,
+            int room = 1) {
+    int n = f.list(name, items ? count : 0, capacity);
+    if (f.filling()) {
+        items = static_cast<T*>(allocate(n > room ? n : room, sizeof(T)));
+        count = n;
+    }
+    for (int i = 0; i < n; ++i) {
+        f.item(i);
+        each(f, items[i]);
+        f.close();
+    }
+    f.endList();
+    return n;
+}
+
+// A list of heap texts, such as one text per language slot.
+inline int texts(Fields& f, const char* name, char** items, int count, int capacity, Code code,
+                 bool emptyIsNull = false) {
+    int n = f.list(name, count, capacity);
+    for (int i = 0; i < n; ++i) f.heapAt(i, items[i], code, emptyIsNull);
+    f.endList();
+    return n;
+}
+
+// The text form of show, on a stream.
+std::unique_ptr<Fields> textFields(std::ostream& out);
 
 // kelprofile show --json FILE...
 int showJson(const std::vector<std::string>& paths);

@@ -1,8 +1,10 @@
 // Web-player projects in kelprofile, and kelprofile publish: the media list
 // and add-ons list of the published player, from a project.
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <new>
 
 #include "kelProfile.h"
 #include "tool.h"
@@ -19,7 +21,8 @@ public:
     Project(const Project&) = delete;
     Project& operator=(const Project&) = delete;
     bool read(const char* path) { return p_ && openWebPlayerXmlFile(path, p_) == 0; }
-    const KELProject& operator*() const { return *p_; }
+    KELProject& operator*() const { return *p_; }
+    explicit operator bool() const { return p_ != nullptr; }
 
 private:
     KELProject* p_ = nullptr;
@@ -29,82 +32,96 @@ bool recognise(const xmlNode* root) {
     return std::strcmp(reinterpret_cast<const char*>(root->name), "ZorvanWebPlayerPrj") == 0;
 }
 
-void advert(tool::Printer& p, const AdvertItem& a, int i) {
-    p.open("advert", i)
-        .text("videotype", a.videotype)
-        .text("filepath", a.filepath)
-        .text("caption", a.caption)
-        .text("position", a.position)
-        .text("duration", a.duration)
-        .text("clickurl", a.clickurl)
-        .text("clicktarget", a.clicktarget)
-        .number("sound", a.sound)
-        .number("fadein", a.fadein)
-        .number("fadeout", a.fadeout)
-        .text("options", a.options)
-        .close();
+using tool::Code;
+
+// The fields adverts and watermarks share, from "videotype" to "fadeout".
+template <class Item>
+void describeHead(tool::Fields& f, Item& a) {
+    f.text("videotype", a.videotype, Code::Utf8);
+    f.text("filepath", a.filepath, Code::Utf8);
+    f.text("caption", a.caption, Code::Utf8);
+    f.text("position", a.position, Code::Utf8);
+    f.text("duration", a.duration, Code::Utf8);
+    f.text("clickurl", a.clickurl, Code::Utf8);
+    f.text("clicktarget", a.clicktarget, Code::Utf8);
+    f.number("sound", a.sound);
+    f.number("fadein", a.fadein);
+    f.number("fadeout", a.fadeout);
 }
 
-void watermark(tool::Printer& p, const WatermarkItem& w, int i) {
-    p.open("watermark", i)
-        .text("videotype", w.videotype)
-        .text("filepath", w.filepath)
-        .text("caption", w.caption)
-        .text("position", w.position)
-        .text("duration", w.duration)
-        .text("clickurl", w.clickurl)
-        .text("clicktarget", w.clicktarget)
-        .number("sound", w.sound)
-        .number("fadein", w.fadein)
-        .number("fadeout", w.fadeout)
-        .text("origin", w.origin)
-        .number("offsetleft", w.offsetleft)
-        .number("offsettop", w.offsettop)
-        .number("width", w.width)
-        .number("height", w.height)
-        .number("transparency", w.transparency)
-        .number("swfwidth", w.swfwidth)
-        .number("swfheight", w.swfheight)
-        .text("options", w.options)
-        .number("fontsize", w.fontsize)
-        .text("fontname", w.fontname)
-        .text("fontstyle", w.fontstyle)
-        .number("fontcolor", w.fontcolor)
-        .close();
+void describeAdvert(tool::Fields& f, AdvertItem& a) {
+    describeHead(f, a);
+    f.text("options", a.options, Code::Utf8);
 }
 
-void playItem(tool::Printer& p, const PlayItem& item, int i) {
-    p.open("playItem", i)
-        .text("caption", item.caption)
-        .text("path", item.path)
-        .text("image", item.image)
-        .text("clickurl", item.clickurl)
-        .text("clicktarget", item.clicktarget)
-        .text("endurl", item.endurl)
-        .text("styleoftarget", item.styleoftarget)
-        .text("endtarget", item.endtarget)
-        .text("options", item.options);
-    for (int k = 0; k < item.advertCount; ++k) advert(p, item.adverts[k], k);
-    for (int k = 0; k < item.watermarkCount; ++k) watermark(p, item.watermarks[k], k);
-    p.close();
+void describeWatermark(tool::Fields& f, WatermarkItem& w) {
+    describeHead(f, w);
+    f.text("origin", w.origin, Code::Utf8);
+    f.number("offsetleft", w.offsetleft);
+    f.number("offsettop", w.offsettop);
+    f.number("width", w.width);
+    f.number("height", w.height);
+    f.number("transparency", w.transparency);
+    f.number("swfwidth", w.swfwidth);
+    f.number("swfheight", w.swfheight);
+    f.text("options", w.options, Code::Utf8);
+    f.number("fontsize", w.fontsize);
+    f.text("fontname", w.fontname, Code::Utf8);
+    f.text("fontstyle", w.fontstyle, Code::Utf8);
+    f.number("fontcolor", w.fontcolor);
 }
 
-bool show(const char* path, tool::Printer& p) {
+void describePlayItem(tool::Fields& f, PlayItem& item) {
+    f.text("caption", item.caption, Code::Utf8);
+    f.text("path", item.path, Code::Utf8);
+    f.text("image", item.image, Code::Utf8);
+    f.text("clickurl", item.clickurl, Code::Utf8);
+    f.text("clicktarget", item.clicktarget, Code::Utf8);
+    f.text("endurl", item.endurl, Code::Utf8);
+    f.text("styleoftarget", item.styleoftarget, Code::Utf8);
+    f.text("endtarget", item.endtarget, Code::Utf8);
+    f.text("options", item.options, Code::Utf8);
+    tool::records(f, "advert", item.adverts, item.advertCount, INT32_MAX, describeAdvert);
+    tool::records(f, "watermark", item.watermarks, item.watermarkCount, INT32_MAX,
+                  describeWatermark);
+}
+
+// The reader keeps an empty heap text as null.
+constexpr bool kEmptyIsNull = true;
+
+void describe(tool::Fields& f, KELProject& r) {
+    f.text("playskin", r.playskin, Code::Utf8);
+    f.number("playerBG", r.playerBG);
+    f.number("publishXmlIsOut", r.publishXmlIsOut);
+    f.text("misc", r.misc, Code::Utf8);
+    f.heap("publishDomain", r.publishDomain, Code::Utf8, kEmptyIsNull);
+    f.heap("publishPath", r.publishPath, Code::Utf8, kEmptyIsNull);
+    f.text("optionFileName", r.optionFileName, Code::Utf8);
+    f.heap("option", r.option, Code::Utf8, kEmptyIsNull);
+    f.number("addOnCount", r.addOns.count);
+    int declared = r.addOns.count;
+    int n = tool::texts(f, "addOn", r.addOns.href, r.addOns.count, 120, Code::Utf8, kEmptyIsNull);
+    if (f.filling()) {
+        r.addOns.count = n;  // the record owns the slots filled
+        if (n != declared)
+            f.refuse("addOnCount", std::to_string(declared) + ", but \"addOn\" has " +
+                                       std::to_string(n) + (n == 1 ? " slot" : " slots"));
+    }
+    tool::records(f, "playItem", r.playItems, r.playItemCount, INT32_MAX, describePlayItem);
+}
+
+bool show(const char* path, tool::Fields& f) {
     Project project;
     if (!project.read(path)) return false;
-    const KELProject& r = *project;
-    p.text("playskin", r.playskin)
-        .number("playerBG", r.playerBG)
-        .number("publishXmlIsOut", r.publishXmlIsOut)
-        .text("misc", r.misc)
-        .text("publishDomain", r.publishDomain)
-        .text("publishPath", r.publishPath)
-        .text("optionFileName", r.optionFileName)
-        .text("option", r.option)
-        .number("addOnCount", r.addOns.count);
-    for (int i = 0; i < r.addOns.count; ++i) p.textAt("addOn", i, r.addOns.href[i]);
-    for (int i = 0; i < r.playItemCount; ++i) playItem(p, r.playItems[i], i);
+    describe(f, *project);
     return true;
+}
+
+int write(tool::Fields& from, const char* dst) {
+    Project project;
+    if (!project) throw std::bad_alloc();
+    describe(from, *project);
+    return from.accepted() ? saveWebPlayerXmlFile(dst, &*project) : 1;
 }
 
 int rewrite(const char* src, const char* dst) {
@@ -114,7 +131,7 @@ int rewrite(const char* src, const char* dst) {
 }
 
 tool::RegisterFamily family({"web-player projects", "\"ZorvanWebPlayerPrj\"", recognise, show,
-                             rewrite, nullptr, false});
+                             rewrite, write, nullptr, false});
 
 // ---- kelprofile publish -----------------------------------------------------
 
