@@ -1,0 +1,89 @@
+// kelprofile write: what show --json prints of a file writes the bytes the
+// family's reader and writer make of it; bad JSON is refused at its place,
+// and OUT stays as it was.
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "support.h"
+
+namespace {
+
+const std::string kSource = KELPROFILE_SOURCE_DIR;
+
+// The library's own read and save of src, by the family show names; 0 when
+// both worked.
+int readAndSave(const std::string& family, const char* src, const char* dst) {
+    int rc = 1;
+    if (family == "conversion profiles") {
+        Profile r;
+        rc = praseXmlFile(src, &r) || saveXmlFile(dst, &r);
+        freeProfile(&r);
+    } else if (family == "customizations") {
+        Customize r;
+        rc = praseCustomizeXmlFile(src, &r) || saveCustomizeXmlFile(dst, &r);
+        freeCustomize(&r);
+    } else if (family == "web-player projects") {
+        KELProject* r = createKELProject(nullptr);
+        rc = openWebPlayerXmlFile(src, r) || saveWebPlayerXmlFile(dst, r);
+        freeKELProject(&r);
+    } else if (family == "temporary options") {
+        TempOption r;
+        rc = praseOptionXmlFile(src, &r) || saveOptionXmlFile(dst, &r);
+        std::free(r.tempItems);
+    }
+    return rc;
+}
+
+TEST(Write, ShowJsonOfEveryFileWritesWhatTheFamilysReaderAndWriterMakeOfIt) {
+    std::vector<fs::path> files;
+    for (const char* folder : {"examples", "fuzz/regressions/profile", "fuzz/regressions/customize",
+                               "fuzz/regressions/webplayer", "fuzz/regressions/temp_option"})
+        for (const auto& entry : fs::recursive_directory_iterator(kSource + '/' + folder))
+            if (entry.is_regular_file()) files.push_back(entry.path());
+    TempDir dir;
+    std::map<std::string, int> written;
+    for (const fs::path& file : files) {
+        std::string json;
+        if (runTool("show --json " + file.string() + " 2>/dev/null", &json) != 0) continue;
+        std::string family = nlohmann::json::parse(json).at(0).at("family");
+        if (readAndSave(family, file.c_str(), dir.file("library.xml").c_str()) != 0) continue;
+        std::string out;
+        EXPECT_EQ(runCommand(KELPROFILE_TOOL " show --json " + file.string() + " | " +
+                                 KELPROFILE_TOOL " write - " + dir.file("tool.xml"),
+                             &out),
+                  0)
+            << file << '\n'
+            << out;
+        EXPECT_EQ(readFile(dir.file("tool.xml")), readFile(dir.file("library.xml"))) << file;
+        ++written[family];
+    }
+    // Every family with a writer, from the examples and the corpus.
+    EXPECT_EQ(written.size(), 4u);
+}
+
+// Each document of tests/data/write holds what one run refuses; refusals.txt
+// is what write says of them, in order.
+TEST(Write, RefusesBadJsonAtItsPlaceAndLeavesOutAsItWas) {
+    const std::string data = kSource + "/tests/data/write/";
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(data))
+        if (entry.path().extension() == ".json") names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    TempDir dir;
+    std::string said;
+    for (const std::string& name : names) {
+        std::string out = writeFile(dir.file("out.xml"), "old"), got;
+        EXPECT_EQ(
+            runCommand("cd " + data + " && " KELPROFILE_TOOL " write " + name + ' ' + out, &got), 1)
+            << name;
+        EXPECT_EQ(readFile(out), "old") << name;
+        said += got;
+        EXPECT_EQ(
+            runCommand(KELPROFILE_TOOL " write - " + dir.file("new.xml") + " <" + data + name), 1);
+        EXPECT_FALSE(fs::exists(dir.file("new.xml"))) << name;
+    }
+    EXPECT_EQ(said, golden("write/refusals.txt", said));
+    EXPECT_EQ(runTool("write only-one-argument"), 2);
+}
+
+}  // namespace
