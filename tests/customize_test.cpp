@@ -56,32 +56,6 @@ TEST_F(CustomizeFile, NumbersReadAsAtoiAndARepeatedSourceResetsAbsentOnes) {
     EXPECT_EQ(record->adOptionCount + record->insertADOptionCount, 0);
 }
 
-TEST_F(CustomizeFile, TextThatDoesNotConvertSkipsItsElementAttributesAndAll) {
-    // U+1F600 has no GBK form.
-    ASSERT_EQ(read(R"(<root><swfOption><ADOption name="dropped"/></swfOption><swfOption>
-  <playOption><playerSkinPath>&#x1F600;</playerSkinPath><preLoderSkinPath>pre</preLoderSkinPath></playOption>
-  <insertADOption name="i" enable="1">
-    <textContent size="9" typeName="t" r="1" fontX="1">bad&#x1F600;</textContent>
-    <imageInfo imageX="7">img</imageInfo><videpPath>v</videpPath></insertADOption>
-  <ADOption name="a">
-    <imageInfo imageX="1" imageY="2" imageWidth="3" imageHeight="4">&#x1F600;</imageInfo>
-    <textContent size="5" typeName="f" fontWidth="6">ok</textContent><caption>c</caption></ADOption>
-</swfOption></root>)"),
-              0);
-    EXPECT_EQ(join(record->playOption->playerSkinPath, record->playOption->preLoderSkinPath),
-              "|pre|");
-    ASSERT_EQ(record->insertADOptionCount, 1);
-    const InsertADOption& in = record->insertADOptions[0];
-    EXPECT_EQ(
-        join(in.textContent, in.size, in.typeName, in.textR, in.fontX, in.imageInfo, in.videpPath),
-        "|0||0||img|v|");
-    ASSERT_EQ(record->adOptionCount, 1) << "the second swfOption replaced the first";
-    const ADOption& ad = record->adOptions[0];
-    EXPECT_EQ(join(ad.imageInfo, ad.imageX, ad.imageHeight, ad.textContent, ad.size, ad.typeName,
-                   ad.fontWidth, ad.caption),
-              "|||ok|5|f|6|c|");
-}
-
 // Bad files and null records in general are replayed by the fuzz and
 // hostile-file tests; these are the failures of this family's own.
 TEST_F(CustomizeFile, FailuresGiveOneAndAClearedRecord) {
@@ -92,21 +66,6 @@ TEST_F(CustomizeFile, FailuresGiveOneAndAClearedRecord) {
     EXPECT_EQ(saveCustomizeXmlFile(dir.file("no/such/folder/x.xml").c_str(), record.get()), 1);
     record->adOptionCount = 1;  // with no array behind it
     EXPECT_EQ(saveCustomizeXmlFile(dir.file("x.xml").c_str(), record.get()), 1);
-}
-
-TEST_F(CustomizeFile, OverLongValuesAreCutToTheirFieldsOnACharacterBoundary) {
-    std::string zh;  // 200 characters: 600 bytes of UTF-8, 400 of GBK
-    for (int i = 0; i < 100; ++i) zh += kUtf8Zhongwen;
-    ASSERT_EQ(read("<root><profileName>" + zh + "</profileName><swfOption><ADOption name=\"" + zh +
-                   "\" clickTarget=\"" + std::string(40, 't') +
-                   "\"><imageInfo imageX=\"12345678901\">i</imageInfo></ADOption>"
-                   "</swfOption></root>"),
-              0);
-    EXPECT_EQ(std::strlen(record->profileName), 254u) << "127 whole GBK characters";
-    const ADOption& ad = record->adOptions[0];
-    EXPECT_EQ(std::strlen(ad.name), 126u) << "42 whole UTF-8 characters";
-    EXPECT_EQ(join(ad.clickTarget, ad.imageX, ad.imageInfo),
-              std::string(31, 't') + "|123456789|i|");
 }
 
 TEST_F(CustomizeFile, WritesTheFileItReadsAndInvalidGbkAsAnEmptyElement) {

@@ -1,5 +1,5 @@
-// DVD menu templates, the spumux file of a menu page, the dvdauthor file of a
-// disc, and kelprofile's DVD family and dvd command.
+// DVD menu templates, the spumux file of a menu page and the dvdauthor file
+// of a disc (kelprofile dvd is a session, tests/data/tool/dvd.t).
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -203,33 +203,6 @@ TEST(Dvdauthor, StaysWithinPagesTitlesAndMenuFolder) {
     EXPECT_NE(
         writeDisc({1}, 0, std::string(1100, 'd')).find(std::string(1024, 'd') + "/menu_01_01"),
         std::string::npos);
-}
-
-// show of the example template is pinned with every example's in tool_test.
-TEST(Tool, WritesTheControlFilesOfADisc) {
-    const std::string example = KELPROFILE_SOURCE_DIR "/examples/dvd/film-strip.xml";
-    TempDir dir;
-    const std::string out = dir.file("out"), page2 = out + "/menu_01_02";
-    EXPECT_EQ(
-        runTool("dvd --broadband " + example + " " + out + " /v/1 /v/2 /v/3 /v/4 /v/5 /v/6 /v/7"),
-        0);
-    // Six titles a page, one per frame; page 2 has title 7, previous and play;
-    // page 1's button 7 is next.
-    EXPECT_EQ(
-        readFile(page2 + ".xml"),
-        spumuxFile(page2,
-                   "      <button name=\"1\" x0=\"40\" y0=\"60\" x1=\"220\" y1=\"170\"/>\n"
-                   "      <button name=\"2\" x0=\"40\" y0=\"410\" x1=\"160\" y1=\"450\"/>\n"
-                   "      <button name=\"3\" x0=\"300\" y0=\"410\" x1=\"420\" y1=\"450\"/>\n"));
-    EXPECT_NE(readFile(out + "/menu_01_01.xml")
-                  .find("<button name=\"7\" x0=\"560\" y0=\"410\" x1=\"680\" y1=\"450\"/>"),
-              std::string::npos);
-    EXPECT_NE(readFile(out + "/dvdauthor.xml").find("<vob file=\"" + page2 + ".mpg\"/>"),
-              std::string::npos);
-
-    writeFile(dir.file("bare.xml"), "<r><bgImageName>b.png</bgImageName></r>");
-    EXPECT_EQ(runTool("dvd " + dir.file("bare.xml") + " " + out + " /v/1"), 1);
-    EXPECT_EQ(runTool("dvd " + example + " " + out), 2);
 }
 
 }  // namespace

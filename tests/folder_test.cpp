@@ -120,16 +120,4 @@ TEST(FolderLoaders, ReadEveryFileInOrderLeavingNoGapForOneThatFails) {
     EXPECT_EQ(none->count, 0);
 }
 
-TEST(Tool, CheckReportsWhatTheFolderLoadersReadOrThatTheyWouldEndTheHost) {
-    TempDir dir;
-    writeFile(dir.file("sub/a.xml"), anyKind("a"));
-    std::string out;
-    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 0);
-    EXPECT_NE(out.find("praseXMLFolder 1, praseDVDXMLFolder 1, praseOPtionXMLFolder 1"), npos)
-        << out;
-    fs::create_symlink(dir.file("gone"), dir.file("sub/dangling"));
-    EXPECT_EQ(runTool("check " + dir.file("sub"), &out), 1);
-    EXPECT_NE(out.find("stat(): No such file"), npos) << out;
-}
-
 }  // namespace

@@ -133,25 +133,6 @@ TEST_F(ProfileFile, SplitsListsAtCommasAndReadsDefaultsByDisplayType) {
     EXPECT_STREQ(record->configItems[9].defaultValue, "3");
 }
 
-TEST_F(ProfileFile, OverlongAndOverfullInputStaysWithinTheRecord) {
-    std::string xml = "<P><Main><Name>";
-    for (int i = 0; i < 300; ++i) xml += "中";  // 900 bytes of UTF-8, 600 of GBK
-    xml += "</Name>";
-    for (int i = 0; i < 12; ++i) xml += "<Desc lang=\"l" + std::to_string(i) + "\">t</Desc>";
-    xml += "</Main><Config><ConfigItem/></Config><Config><ConfigItem><ListValue>" +
-           std::string(600, 'v') + R"(</ListValue><ListItem lang="l11">dropped,x</ListItem>
-<ListItem>kept,dropped</ListItem></ConfigItem></Config></P>)";
-    ASSERT_EQ(record.read(write(xml)), 0);
-    EXPECT_EQ(std::strlen(record->name), 510u) << "255 whole characters";
-    EXPECT_EQ(record->langCount, 10);
-    EXPECT_STREQ(record->langNames[9], "l9");
-    ASSERT_EQ(record->configItemCount, 1) << "the later Config replaces the earlier";
-    const ConfigItem& item = record->configItems[0];
-    EXPECT_EQ(std::strlen(item.listEntries[0].value), 511u);
-    EXPECT_STREQ(item.listEntries[0].label[0], "kept");
-    EXPECT_EQ(item.listEntries[1].label[0], nullptr);
-}
-
 // What writing the record back cannot show (WritesWhatItReads pins every
 // other field): the encoding of each field, and the copy. The owner pointers
 // of every read and copy are checked by the fuzz replay.

@@ -1,5 +1,5 @@
-// kelprofile: its exit statuses, check, lint's findings on files with one
-// problem each, the places errors name, and show in both forms.
+// kelprofile as people and scripts use it: sessions at a shell, and show
+// of every example in both forms.
 #include <algorithm>
 #include <vector>
 
@@ -7,58 +7,58 @@
 
 namespace {
 
-const std::string kExamples = KELPROFILE_SOURCE_DIR "/examples";
+const std::string kSource = KELPROFILE_SOURCE_DIR;
 
-const std::string kData = KELPROFILE_SOURCE_DIR "/tests/data/lint/";
-
-// Each file of tests/data/lint holds one problem on a known line;
-// findings.txt gives, per file, what lint must report after "FILE:".
-TEST(Lint, ReportsTheOneProblemOfEachFileWithItsLineAndField) {
-    std::istringstream findings(readFile(kData + "findings.txt"));
-    int files = 0;
-    for (std::string line; std::getline(findings, line); ++files) {
-        std::string path = kData + line.substr(0, line.find(':')), out;
-        EXPECT_EQ(runTool("lint " + path, &out), 1) << line;
-        EXPECT_NE(out.find(kData + line), std::string::npos) << line << '\n' << out;
-        EXPECT_NE(out.find("1 file, 1 warning\n"), std::string::npos) << line << '\n' << out;
+// A session file (tests/data/tool/*.t) is what a terminal shows: "  $ " a
+// command ("  > " lines go on with it), then what it printed, indented by
+// two spaces, and its exit status as "  [N]" when not 0; lines that are not
+// indented are comments. Each command runs in sh in one scratch folder
+// that holds links "examples" and "data" (tests/data), with kelprofile first
+// on the PATH; the folder's own path is shown as SCRATCH. Gives the session
+// as the commands make it now.
+std::string runSession(const std::string& file) {
+    TempDir dir;
+    fs::create_directory_symlink(kSource + "/examples", dir.path() / "examples");
+    fs::create_directory_symlink(kSource + "/tests/data", dir.path() / "data");
+    const std::string prefix = "cd '" + dir.path().string() + "' && PATH='" +
+                               fs::path(KELPROFILE_TOOL).parent_path().string() + "':$PATH && ";
+    std::istringstream in(readFile(file));
+    std::string got, command;
+    auto run = [&]() {
+        if (command.empty()) return;
+        std::string out;
+        int status = runCommand(prefix + command, &out);
+        for (std::size_t at; (at = out.find(dir.path().string())) != std::string::npos;)
+            out.replace(at, dir.path().string().size(), "SCRATCH");
+        std::istringstream lines(out);
+        for (std::string line; std::getline(lines, line);) got += "  " + line + '\n';
+        if (status != 0) got += "  [" + std::to_string(status) + "]\n";
+        command.clear();
+    };
+    for (std::string line; std::getline(in, line);) {
+        bool continues = line.rfind("  > ", 0) == 0 && !command.empty();
+        if (line.rfind("  $ ", 0) == 0 || line.rfind("  ", 0) != 0) run();
+        if (line.rfind("  $ ", 0) == 0 || continues)
+            command += (continues ? "\n" : "") + line.substr(4);
+        if (line.rfind("  ", 0) != 0 || line.rfind("  $ ", 0) == 0 || continues) got += line + '\n';
     }
-    EXPECT_EQ(files, 25);
+    run();
+    return got;
 }
 
-TEST(Lint, CountsTheFilesAFolderLoaderWouldLeave) {
-    TempDir dir;
-    for (int i = 0; i < 513; ++i)
-        writeFile(dir.file("options/" + std::to_string(i) + ".xml"),
-                  "<tempOption><optionItem name=\"a\">1</optionItem></tempOption>");
+// Every session prints what its file says, compared whole
+// (KELPROFILE_REGENERATE=1 writes what it printed instead).
+TEST(Sessions, EachCommandPrintsWhatItsSessionSays) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(kSource + "/tests/data/tool"))
+        if (entry.path().extension() == ".t") names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    EXPECT_GE(names.size(), 6u);
+    for (const std::string& name : names) {
+        std::string got = runSession(kSource + "/tests/data/tool/" + name);
+        EXPECT_EQ(got, golden("tool/" + name, got));
+    }
     std::string out;
-    EXPECT_EQ(runTool("lint " + dir.file("options"), &out), 1);
-    EXPECT_NE(out.find(dir.file("options") +
-                       ": warning: 513 .xml files below this folder; the folder loaders read at "
-                       "most 512"),
-              std::string::npos)
-        << out.substr(out.size() > 300 ? out.size() - 300 : 0);
-    EXPECT_NE(out.find("513 files, 1 warning\n"), std::string::npos);
-}
-
-TEST(Errors, NameThePlaceTheWayCompilersDo) {
-    TempDir dir;
-    std::string bad = writeFile(dir.file("bad.xml"), "<Profiles>\n  <Main>\n    <Name>x</Nam>\n");
-    std::string unknown = writeFile(dir.file("unknown.xml"), "<?xml version=\"1.0\"?>\n<foo/>\n");
-    std::string out;
-    // The parser's first complaint, where it arose, not the end of the file.
-    EXPECT_EQ(runTool("show " + bad, &out), 1);
-    EXPECT_EQ(out, bad + ":3:18: error: Opening and ending tag mismatch: Name line 3 and Nam\n");
-    EXPECT_EQ(runTool("show " + unknown, &out), 1);
-    EXPECT_NE(out.find(unknown + ":2: error: root element \"foo\" is not one kelprofile knows; "
-                                 "it knows \"Profiles\" (conversion profiles), "),
-              std::string::npos)
-        << out;
-    EXPECT_NE(out.find("\"ZorvanWebPlayerPrj\" (web-player projects)"), std::string::npos);
-    EXPECT_EQ(runTool("lint " + bad + " " + dir.file("missing.xml"), &out), 1);
-    EXPECT_NE(out.find(bad + ":3:18: error: "), std::string::npos) << out;
-    EXPECT_NE(out.find(dir.file("missing.xml") + ": error: no such file\n"), std::string::npos);
-    EXPECT_NE(out.find("2 files, 0 warnings, 2 errors\n"), std::string::npos);
-    EXPECT_EQ(runTool("lint", &out), 2);
     EXPECT_EQ(runTool("--version", &out), 0);
     EXPECT_EQ(out, "kelprofile (kelProfile) " KELPROFILE_VERSION "\n");
 }
@@ -66,8 +66,9 @@ TEST(Errors, NameThePlaceTheWayCompilersDo) {
 // What show prints of every example, as text and as JSON, is a golden file:
 // every field of every record the examples fill, read by the family's reader.
 TEST(Examples, LintFindsNothingAndShowPrintsEveryField) {
+    const std::string examples = kSource + "/examples";
     std::vector<std::string> paths;
-    for (const auto& entry : fs::recursive_directory_iterator(kExamples))
+    for (const auto& entry : fs::recursive_directory_iterator(examples))
         if (entry.path().extension() == ".xml" && entry.path().parent_path().filename() != "broken")
             paths.push_back(entry.path().string());
     std::sort(paths.begin(), paths.end());
@@ -78,40 +79,10 @@ TEST(Examples, LintFindsNothingAndShowPrintsEveryField) {
     for (const char* form : {"txt", "json"}) {
         ASSERT_EQ(runTool(std::string("show") + (form[0] == 'j' ? " --json" : "") + files, &text),
                   0);
-        for (std::size_t at; (at = text.find(kExamples)) != std::string::npos;)
-            text.replace(at, kExamples.size(), "examples");
+        for (std::size_t at; (at = text.find(examples)) != std::string::npos;)
+            text.replace(at, examples.size(), "examples");
         EXPECT_EQ(text, golden(std::string("tool/show-examples.") + form, text));
     }
-}
-
-TEST(Tool, ExitStatusesFollowTheContract) {
-    std::string out;
-    EXPECT_EQ(runTool("--help", &out), 0);
-    EXPECT_NE(out.find("kelprofile check DIR"), std::string::npos);
-    for (const char* args : {"", "frobnicate", "show"}) EXPECT_EQ(runTool(args), 2) << args;
-    for (const char* args : {"show /nonexistent/file.xml", "check /nonexistent"})
-        EXPECT_EQ(runTool(args), 1) << args;
-    EXPECT_EQ(runTool("check " KELPROFILE_SOURCE_DIR "/examples", &out), 0) << out;
-}
-
-// show's text is compared whole with show --json's in tool_test; here check
-// counts what it meets and names what does not survive a rewrite.
-TEST(Tool, ChecksEachFile) {
-    TempDir dir;
-    writeFile(dir.file("good.xml"), std::string("<tempOption><optionItem name=\"profileName\">") +
-                                        kUtf8Zhongwen + "</optionItem></tempOption>");
-    writeFile(dir.file("sub/other.xml"), "<unknownRoot/>");
-    writeFile(dir.file("notes.txt"), "not looked at");
-    std::string out;
-    EXPECT_EQ(runTool("check " + dir.path().string(), &out), 0) << out;
-    EXPECT_NE(out.find("2 files: 1 ok, 0 failed, 1 not recognised"), std::string::npos);
-
-    // GBK cannot hold the snowman, and its UTF-8 bytes kept in the record are
-    // no GBK text to write back: the value does not survive.
-    writeFile(dir.file("lossy.xml"),
-              "<tempOption><optionItem name=\"a\">\xE2\x98\x83</optionItem></tempOption>");
-    EXPECT_EQ(runTool("check " + dir.path().string(), &out), 1);
-    EXPECT_NE(out.find("FAILED  " + dir.file("lossy.xml")), std::string::npos) << out;
 }
 
 }  // namespace

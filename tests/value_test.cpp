@@ -1,4 +1,4 @@
-// Single values of any file by dotted path, and kelprofile get and set.
+// Single values of any file by dotted path.
 #include <cstdlib>
 #include <iterator>
 #include <string>
@@ -56,19 +56,6 @@ TEST(Values, SetRewritesTheFileUnformattedEvenWhenNothingMatches) {
         EXPECT_EQ(setXmlValue(file.c_str(), "Main", "x"), 1);
         EXPECT_EQ(fs::exists(file) ? readFile(file) : "no file", bad ? bad : "no file");
     }
-}
-
-TEST(Tool, GetsAndSetsValuesAndSaysWhenThereIsNone) {
-    TempDir dir;
-    std::string file = writeFile(dir.file("f.xml"), "<r><Main><Name>Video</Name></Main></r>");
-    std::string out;
-    EXPECT_EQ(runTool("set " + file + " Main.Name 'A & B'"), 0);
-    EXPECT_EQ(runTool("get " + file + " Main.Name 2>/dev/null", &out), 0);
-    EXPECT_EQ(out, "A & B\n");
-    std::string before = readFile(file);
-    EXPECT_EQ(runTool("set " + file + " Main.Nope x"), 1);
-    EXPECT_EQ(readFile(file), before);
-    EXPECT_EQ(runTool("set " + file + " Main.Name"), 2);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Web-player projects: the project file both ways, the media and add-ons
-// lists, the record's lifecycle and kelprofile publish.
+// lists and the record's lifecycle.
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -89,23 +89,6 @@ TEST_F(WebPlayer, ReadsInAnyOrderByTheTypeTable) {
     EXPECT_EQ(project->playItemCount, 0);
 }
 
-TEST_F(WebPlayer, ValuesAreCutToTheirFieldsAndAddOnsToTheirSlots) {
-    std::string zh = "a";  // one byte, then characters of three
-    for (int i = 0; i < 700; ++i) zh += kUtf8Zhongwen;
-    std::string xml = "<ZorvanWebPlayerPrj><misc>" + zh + "</misc><option>" + zh +
-                      "</option><playlist><playitem caption=\"" + zh +
-                      "\"><advertitem videotype=\"" + zh + "\"/></playitem></playlist><addonsList>";
-    for (int i = 0; i < 130; ++i) xml += "<addonsItem href=\"h" + std::to_string(i) + "\"/>";
-    ASSERT_EQ(project.read(write(xml + "</addonsList></ZorvanWebPlayerPrj>")), 0);
-    EXPECT_EQ(std::strlen(project->misc), 253u);
-    EXPECT_EQ(std::strlen(project->option), 1021u);
-    EXPECT_EQ(std::strlen(project->playItems[0].caption), 1021u);
-    EXPECT_EQ(std::strlen(project->playItems[0].adverts[0].videotype), 31u);
-    EXPECT_EQ(zh.compare(0, 1021, project->option), 0);
-    EXPECT_EQ(project->addOns.count, 120);
-    EXPECT_STREQ(project->addOns.href[119], "h119");
-}
-
 TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
     std::string path = dir.file("out.xml");
     ASSERT_EQ(saveWebPlayerXmlFile(path.c_str(), project.get()), 0);
@@ -151,19 +134,6 @@ TEST_F(WebPlayer, WritesEachFileWithTheAttributesItsTypesSelect) {
                   saveMediaListXmlFile(nowhere.c_str(), &data) +
                   saveAddOnsListXmlFile(nowhere.c_str(), &list),
               3);
-}
-
-TEST_F(WebPlayer, PublishWritesTheListsOfTheProjectsPlayItems) {
-    std::string out = dir.file("site");
-    ASSERT_EQ(runTool("publish " + kExample + " " + out), 0);
-    ASSERT_EQ(project.read(kExample), 0);
-    MediaListData data{nullptr, 0, project->playItems, project->playItemCount};
-    std::string media = dir.file("media.xml"), addOns = dir.file("addons.xml");
-    ASSERT_EQ(saveMediaListXmlFile(media.c_str(), &data), 0);
-    ASSERT_EQ(saveAddOnsListXmlFile(addOns.c_str(), &project->addOns), 0);
-    EXPECT_EQ(readFile(out + "/playlist.xml"), readFile(media));
-    EXPECT_EQ(readFile(out + "/addonsList.xml"), readFile(addOns));
-    EXPECT_NE(runTool("publish " + out), 0);
 }
 
 }  // namespace

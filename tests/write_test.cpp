@@ -1,6 +1,6 @@
 // kelprofile write: what show --json prints of a file writes the bytes the
-// family's reader and writer make of it; bad JSON is refused at its place,
-// and OUT stays as it was.
+// family's reader and writer make of it. What write refuses is a session,
+// tests/data/tool/write.t.
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -59,31 +59,6 @@ TEST(Write, ShowJsonOfEveryFileWritesWhatTheFamilysReaderAndWriterMakeOfIt) {
     }
     // Every family with a writer, from the examples and the corpus.
     EXPECT_EQ(written.size(), 4u);
-}
-
-// Each document of tests/data/write holds what one run refuses; refusals.txt
-// is what write says of them, in order.
-TEST(Write, RefusesBadJsonAtItsPlaceAndLeavesOutAsItWas) {
-    const std::string data = kSource + "/tests/data/write/";
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(data))
-        if (entry.path().extension() == ".json") names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    TempDir dir;
-    std::string said;
-    for (const std::string& name : names) {
-        std::string out = writeFile(dir.file("out.xml"), "old"), got;
-        EXPECT_EQ(
-            runCommand("cd " + data + " && " KELPROFILE_TOOL " write " + name + ' ' + out, &got), 1)
-            << name;
-        EXPECT_EQ(readFile(out), "old") << name;
-        said += got;
-        EXPECT_EQ(
-            runCommand(KELPROFILE_TOOL " write - " + dir.file("new.xml") + " <" + data + name), 1);
-        EXPECT_FALSE(fs::exists(dir.file("new.xml"))) << name;
-    }
-    EXPECT_EQ(said, golden("write/refusals.txt", said));
-    EXPECT_EQ(runTool("write only-one-argument"), 2);
 }
 
 }  // namespace

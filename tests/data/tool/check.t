@@ -1,0 +1,30 @@
+check counts what it meets and names what does not survive a rewrite. GBK
+cannot hold the snowman, and its UTF-8 bytes kept in the record are no GBK
+text to write back.
+
+  $ mkdir -p f/sub
+  $ printf '<tempOption><optionItem name="profileName">\344\270\255\346\226\207</optionItem></tempOption>' > f/good.xml
+  $ echo '<unknownRoot/>' > f/sub/other.xml && echo 'not looked at' > f/notes.txt
+  $ kelprofile check f
+  ok      f/good.xml (temporary options)
+  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "groupOption" (option groups), "products" (product information), "tempOption" (temporary options), "ZorvanWebPlayerPrj" (web-player projects), any root holding template elements such as "frames" (DVD menu template)
+  2 files: 1 ok, 0 failed, 1 not recognised
+  folder loaders (any well-formed file counts, whatever its root): praseXMLFolder 2, praseDVDXMLFolder 2, praseOPtionXMLFolder 2
+  $ printf '<tempOption><optionItem name="a">\342\230\203</optionItem></tempOption>' > f/lossy.xml
+  $ kelprofile check f
+  ok      f/good.xml (temporary options)
+  FAILED  f/lossy.xml (temporary options): changed in the round trip: '  value: 鈽\x83' became '  value: '
+  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "groupOption" (option groups), "products" (product information), "tempOption" (temporary options), "ZorvanWebPlayerPrj" (web-player projects), any root holding template elements such as "frames" (DVD menu template)
+  3 files: 1 ok, 1 failed, 1 not recognised
+  folder loaders (any well-formed file counts, whatever its root): praseXMLFolder 3, praseDVDXMLFolder 3, praseOPtionXMLFolder 3
+  [1]
+
+The folder loaders end the host's process on an entry without a status, so
+check runs them in a child process.
+
+  $ ln -s gone f/dangling && kelprofile check f 2>&1 | tail -2
+  stat(): No such file or directory
+  FAILED  the library's folder loaders end the process on this folder (an entry below it has no status; see the stat() message)
+  $ kelprofile check examples | tail -2
+  15 files: 13 ok, 0 failed, 2 not recognised
+  folder loaders (any well-formed file counts, whatever its root): praseXMLFolder 14, praseDVDXMLFolder 14, praseOPtionXMLFolder 14
