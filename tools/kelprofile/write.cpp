@@ -72,92 +72,96 @@ private:
     const char** read_;
 };
 
-// Builds the document as nlohmann's own DOM parser does, and notes for each
-// value's path the offset where the value starts: after the end of the
-// token before it, past blanks, ':' and ','.
-class Locating : public nlohmann::detail::json_sax_dom_parser<Json> {
-    using Base = nlohmann::detail::json_sax_dom_parser<Json>;
-
+// Builds the document from the parser's events, and notes for each value's
+// path the offset where the value starts: after the end of the token before
+// it, past blanks, ':' and ','.
+class Locating : public nlohmann::json_sax<Json> {
 public:
     Locating(Json& root, const std::string& text, const char** read)
-        : Base(root, false), text_(text), read_(read) {}
+        : root_(root), text_(text), read_(read) {}
 
     std::map<std::string, std::size_t> starts;
     std::size_t errorAt = 0;
     std::string error;
 
-    bool null() { return value() && Base::null(); }
-    bool boolean(bool v) { return value() && Base::boolean(v); }
-    bool number_integer(number_integer_t v) { return value() && Base::number_integer(v); }
-    bool number_unsigned(number_unsigned_t v) { return value() && Base::number_unsigned(v); }
-    bool number_float(number_float_t v, const string_t& s) {
-        return value() && Base::number_float(v, s);
-    }
-    bool string(string_t& v) { return value() && Base::string(v); }
-    bool binary(binary_t& v) { return value() && Base::binary(v); }
-    bool start_object(std::size_t n) {
-        std::string path = next();
-        open_.push_back({path, false, 0, ""});
-        return Base::start_object(n);
-    }
-    bool key(string_t& k) {
+    bool null() override { return put(nullptr); }
+    bool boolean(bool v) override { return put(v); }
+    bool number_integer(number_integer_t v) override { return put(v); }
+    bool number_unsigned(number_unsigned_t v) override { return put(v); }
+    bool number_float(number_float_t v, const string_t&) override { return put(v); }
+    bool string(string_t& v) override { return put(v); }
+    bool binary(binary_t& v) override { return put(Json::binary(v)); }
+    bool start_object(std::size_t) override { return open(Json::object()); }
+    bool key(string_t& k) override {
         open_.back().key = k;
         seen();
-        return Base::key(k);
+        return true;
     }
-    bool end_object() {
-        open_.pop_back();
-        seen();
-        return Base::end_object();
-    }
-    bool start_array(std::size_t n) {
-        std::string path = next();
-        open_.push_back({path, true, 0, ""});
-        return Base::start_array(n);
-    }
-    bool end_array() {
-        open_.pop_back();
-        seen();
-        return Base::end_array();
-    }
-    template <class Exception>
-    bool parse_error(std::size_t byte, const std::string& token, const Exception& ex) {
+    bool end_object() override { return close(); }
+    bool start_array(std::size_t) override { return open(Json::array()); }
+    bool end_array() override { return close(); }
+    bool parse_error(std::size_t byte, const std::string&,
+                     const nlohmann::detail::exception& ex) override {
         errorAt = byte > 0 ? byte - 1 : 0;
         // "[json.exception.parse_error.101] parse error at line 1, column 2: why"
         std::string what = ex.what();
         std::size_t colon = what.find(": ", what.find("parse error"));
         error = colon == std::string::npos ? what : what.substr(colon + 2);
-        return Base::parse_error(byte, token, ex);
+        return false;
     }
 
 private:
     struct Open {
+        Json* value;  // stays put: nothing is added to its container while it is open
         std::string path;
-        bool array;
         std::size_t index;
         std::string key;
     };
 
-    bool value() {
-        next();
-        return true;
-    }
-    // The path of the value the parser has just read, its start noted.
-    std::string next() {
-        std::string path = "$";
+    // Places a value the parser has just read; its path and start noted.
+    Json* place(Json value, std::string& path) {
+        path = "$";
+        Json* at = &root_;
         if (!open_.empty()) {
             Open& in = open_.back();
-            path = in.array ? in.path + '[' + std::to_string(in.index++) + ']'
-                            : in.path + step(in.key);
+            if (in.value->is_array()) {
+                path = in.path + '[' + std::to_string(in.index++) + ']';
+                in.value->push_back(std::move(value));
+                at = &in.value->back();
+            } else {
+                path = in.path + step(in.key);
+                at = &(*in.value)[in.key];
+                *at = std::move(value);
+            }
+        } else {
+            root_ = std::move(value);
         }
-        std::size_t at = before_;
-        while (at < text_.size() && std::strchr(" \t\r\n,:", text_[at]) && text_[at]) ++at;
-        starts[path] = at;
+        std::size_t start = before_;
+        while (start < text_.size() && text_[start] && std::strchr(" \t\r\n,:", text_[start]))
+            ++start;
+        starts[path] = start;
         seen();
-        return path;
+        return at;
+    }
+    bool put(Json value) {
+        std::string path;
+        place(std::move(value), path);
+        return true;
+    }
+    bool open(Json container) {
+        std::string path;
+        Json* at = place(std::move(container), path);
+        open_.push_back({at, path, 0, ""});
+        return true;
+    }
+    bool close() {
+        open_.pop_back();
+        seen();
+        return true;
     }
     void seen() { before_ = static_cast<std::size_t>(*read_ - text_.data()); }
 
+    Json& root_;
     const std::string& text_;
     const char** read_;
     std::size_t before_ = 0;
@@ -429,7 +433,7 @@ int write(const std::vector<std::string>& args) {
     const char* read = text.data();
     Locating locating(document, text, &read);
     Counted first(text.data(), &read), last(text.data() + text.size(), &read);
-    if (!Json::sax_parse(first, last, &locating) || locating.is_errored()) {
+    if (!Json::sax_parse(first, last, &locating)) {
         findings.add(locating.errorAt, locating.error);
         findings.print(std::cerr);
         return kFailed;
