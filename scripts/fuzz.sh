@@ -30,6 +30,7 @@ declare -A examples=(
   [product]="examples/products"
   [customize]="examples/customize"
   [webplayer]="examples/webplayer"
+  [json_write]="tests/data/write"
 )
 
 # The targets write and read their files in a folder of this run's own,

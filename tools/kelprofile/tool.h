@@ -179,6 +179,11 @@ std::unique_ptr<Fields> textFields(std::ostream& out);
 // kelprofile show --json FILE...
 int showJson(const std::vector<std::string>& paths);
 
+// kelprofile write on a JSON text read from name: saves out from the record
+// it holds, or prints on errors why not (out then untouched); the exit status.
+int writeRecord(const std::string& text, const std::string& name, const std::string& out,
+                std::ostream& errors);
+
 // The findings of lint on one file: "FILE:LINE: warning: ..." lines.
 class Lint {
 public:

@@ -409,25 +409,10 @@ std::string writable() {
     return names;
 }
 
-int write(const std::vector<std::string>& args) {
-    if (args.size() != 2) {
-        error("write needs JSON (a file, or - for standard input) and OUT");
-        return kUsage;
-    }
-    const std::string& source = args[0];
-    const std::string name = source == "-" ? "<stdin>" : source;
-    std::string text;
-    if (source == "-") {
-        text.assign(std::istreambuf_iterator<char>(std::cin), {});
-    } else {
-        std::ifstream in(source, std::ios::binary);
-        if (!in) {
-            std::cerr << name << ": error: cannot read it\n";
-            return kFailed;
-        }
-        text.assign(std::istreambuf_iterator<char>(in), {});
-    }
+}  // namespace
 
+int writeRecord(const std::string& text, const std::string& name, const std::string& out,
+                std::ostream& errors) {
     Findings findings(name, text);
     Json document;
     const char* read = text.data();
@@ -435,7 +420,7 @@ int write(const std::vector<std::string>& args) {
     Counted first(text.data(), &read), last(text.data() + text.size(), &read);
     if (!Json::sax_parse(first, last, &locating)) {
         findings.add(locating.errorAt, locating.error);
-        findings.print(std::cerr);
+        findings.print(errors);
         return kFailed;
     }
 
@@ -478,18 +463,40 @@ int write(const std::vector<std::string>& args) {
             findings.add(locating.starts[at], at + ".record: missing, or not an object");
         if (chosen && chosen->write && record != object->end() && record->is_object()) {
             JsonReader reader(*record, at + ".record", locating.starts, findings);
-            int saved = chosen->write(reader, args[1].c_str());
+            int saved = chosen->write(reader, out.c_str());
             if (reader.accepted() && findings.empty()) {
                 if (saved == 0) {
                     status = kOk;
                 } else {
-                    std::cerr << args[1] << ": error: the library cannot write it\n";
+                    errors << out << ": error: the library cannot write it\n";
                 }
             }
         }
     }
-    findings.print(std::cerr);
+    findings.print(errors);
     return status;
+}
+
+namespace {
+
+int write(const std::vector<std::string>& args) {
+    if (args.size() != 2) {
+        error("write needs JSON (a file, or - for standard input) and OUT");
+        return kUsage;
+    }
+    const std::string& source = args[0];
+    std::string text;
+    if (source == "-") {
+        text.assign(std::istreambuf_iterator<char>(std::cin), {});
+    } else {
+        std::ifstream in(source, std::ios::binary);
+        if (!in) {
+            std::cerr << source << ": error: cannot read it\n";
+            return kFailed;
+        }
+        text.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    return writeRecord(text, source == "-" ? "<stdin>" : source, args[1], std::cerr);
 }
 
 RegisterCommand writeCommand(
