@@ -217,12 +217,7 @@ public:
         std::memcpy(field, bytes.c_str(), bytes.size() + 1);
     }
     void heap(const char* name, char*& field, Code code, bool emptyIsNull) override {
-        const Json* v = member(name);
-        std::string bytes;
-        if (!v || v->is_null() || !textOf(name, code, kHeapText - 1, bytes)) return;
-        if (bytes.empty() && emptyIsNull) return;
-        field = static_cast<char*>(allocate(bytes.size() + 1, 1));
-        std::memcpy(field, bytes.c_str(), bytes.size() + 1);
+        heapFrom(member(name), path(name), field, code, emptyIsNull);
     }
     void number(const char* name, int32_t& field) override {
         const Json* v = member(name);
@@ -237,17 +232,14 @@ public:
             const std::string& s = v->get_ref<const std::string&>();
             char* end = nullptr;
             long n = std::strtol(s.c_str(), &end, 10);
-            bool valid = end != s.c_str() && n >= INT32_MIN && n <= INT32_MAX &&
-                         s == std::to_string(n) + " (" + word(static_cast<int>(n)) + ")";
-            if (!valid) {
-                // A valid code with a wrong word is still taken, so that the
-                // fields that depend on it are read as meant.
-                if (end != s.c_str() && n >= INT32_MIN && n <= INT32_MAX &&
-                    *word(static_cast<int>(n)))
-                    field = static_cast<int32_t>(n);
+            bool number = end != s.c_str() && n >= INT32_MIN && n <= INT32_MAX;
+            code = number ? static_cast<int32_t>(n) : 0;
+            if (!number || s != std::to_string(code) + " (" + word(code) + ")") {
+                // A code the files use with a wrong word is still taken, so
+                // that the fields that depend on it are read as meant.
+                if (number && *word(code)) field = code;
                 return refuse(name, Json(s).dump() + " is not a type as show prints one");
             }
-            code = static_cast<int32_t>(n);
         } else if (!numberOf(*v, name, code)) {
             return;
         }
@@ -257,13 +249,13 @@ public:
     }
     void open(const char* name) override {
         const Json* v = member(name);
-        if (v && !v->is_object()) wrongType(name, *v, "an object");
+        if (v && !v->is_object()) wrongType(path(name), *v, "an object");
         push(v && v->is_object() ? v : nullptr, path(name));
     }
     void close() override { pop(); }
     int list(const char* name, int, int capacity) override {
         const Json* v = member(name);
-        if (v && !v->is_array()) wrongType(name, *v, "a list");
+        if (v && !v->is_array()) wrongType(path(name), *v, "a list");
         if (v && v->is_array() && v->size() > static_cast<std::size_t>(capacity))
             refuse(name, grouped(static_cast<long long>(v->size())) +
                              " items; the record holds at most " + grouped(capacity));
@@ -273,18 +265,11 @@ public:
     }
     void item(int index) override {
         const Json* v = element(index);
-        if (v && !v->is_object()) wrongType(nullptr, *v, "an object", index);
-        push(v && v->is_object() ? v : nullptr,
-             open_.back().path + '[' + std::to_string(index) + ']');
+        if (v && !v->is_object()) wrongType(elementPath(index), *v, "an object");
+        push(v && v->is_object() ? v : nullptr, elementPath(index));
     }
     void heapAt(int index, char*& field, Code code, bool emptyIsNull) override {
-        const Json* v = element(index);
-        std::string bytes;
-        std::string at = open_.back().path + '[' + std::to_string(index) + ']';
-        if (!v || v->is_null() || !textIn(*v, at, code, kHeapText - 1, bytes)) return;
-        if (bytes.empty() && emptyIsNull) return;
-        field = static_cast<char*>(allocate(bytes.size() + 1, 1));
-        std::memcpy(field, bytes.c_str(), bytes.size() + 1);
+        heapFrom(element(index), elementPath(index), field, code, emptyIsNull);
     }
     void endList() override { open_.pop_back(); }
     void refuse(const char* name, const std::string& why) override {
@@ -319,6 +304,9 @@ private:
         open_.pop_back();
     }
     std::string path(const char* name) const { return open_.back().path + step(name); }
+    std::string elementPath(int index) const {
+        return open_.back().path + '[' + std::to_string(index) + ']';
+    }
 
     void report(const std::string& at, const std::string& why) {
         refused_ = true;
@@ -349,9 +337,7 @@ private:
         return list.value ? &(*list.value)[static_cast<std::size_t>(index)] : nullptr;
     }
 
-    void wrongType(const char* name, const Json& v, const char* expected, int index = -1) {
-        std::string at = name ? path(name) : open_.back().path;
-        if (index >= 0) at = open_.back().path + '[' + std::to_string(index) + ']';
+    void wrongType(const std::string& at, const Json& v, const char* expected) {
         report(at, std::string(expected) + " expected, not " + v.type_name());
     }
 
@@ -359,10 +345,18 @@ private:
         const Json* v = member(name);
         return v && textIn(*v, path(name), code, room, bytes);
     }
+    // A heap text from v (null or absent leaves the field null).
+    void heapFrom(const Json* v, const std::string& at, char*& field, Code code, bool emptyIsNull) {
+        std::string bytes;
+        if (!v || v->is_null() || !textIn(*v, at, code, kHeapText - 1, bytes)) return;
+        if (bytes.empty() && emptyIsNull) return;
+        field = static_cast<char*>(allocate(bytes.size() + 1, 1));
+        std::memcpy(field, bytes.c_str(), bytes.size() + 1);
+    }
     bool textIn(const Json& v, const std::string& at, Code code, std::size_t room,
                 std::string& bytes) {
         if (!v.is_string()) {
-            report(at, std::string("a text expected, not ") + v.type_name());
+            wrongType(at, v, "a text");
             return false;
         }
         std::string why;
