@@ -13,8 +13,8 @@
 namespace tool {
 
 bool convert(const char* to, const char* from, const std::string& in, std::string& out) {
-    // UTF-8 and GBK grow by at most half when converted into each other.
-    std::vector<char> buffer(in.size() * 2 + 2);
+    // A byte of either takes at most three of the other.
+    std::vector<char> buffer(in.size() * 3 + 2);
     std::string toName = to, fromName = from;
     if (covert(toName.data(), fromName.data(), in.data(), in.size(), buffer.data(),
                buffer.size()) != 0)
