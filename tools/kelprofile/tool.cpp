@@ -10,8 +10,6 @@
 #include <iostream>
 #include <memory>
 
-#include "kelProfile.h"
-
 namespace fs = std::filesystem;
 
 namespace tool {
