@@ -24,20 +24,23 @@ bool refuse(std::size_t bytes) noexcept {
 }
 }  // namespace
 
-// A read inside another read gets what is left of the outer budget at the
-// most, and what it spends is spent for the outer read too.
-RecordBudget::RecordBudget() noexcept : saved_(gBudget) {
-    if (gBudget > kBytes) gBudget = kBytes;
+// A bound inside another gets what is left of the outer one at the most,
+// and what it spends is spent for the outer one too.
+RecordBudget::RecordBudget(std::size_t bytes) noexcept
+    : saved_(gBudget), limit_(gBudget < bytes ? gBudget : bytes) {
+    gBudget = limit_;
 }
 
 RecordBudget::~RecordBudget() {
     if (saved_ == kUnbounded) {
         gBudget = kUnbounded;
     } else {
-        std::size_t limit = saved_ < kBytes ? saved_ : kBytes;
-        std::size_t spent = limit - gBudget;
-        gBudget = saved_ - spent;
+        gBudget = saved_ - (limit_ - gBudget);
     }
+}
+
+void RecordBudget::refund() noexcept {
+    gBudget = limit_;
 }
 
 void* allocZeroed(std::size_t count, std::size_t size) noexcept {

@@ -36,17 +36,24 @@ using HeapPtr = std::unique_ptr<T, FreeDeleter>;
 // reading thread while an instance lives: an allocation past it fails, and
 // the reader takes its allocation-failure path (1 and a cleared record). It
 // keeps a small hostile file from making a reader claim gigabytes of zeroed
-// records.
+// records. Bounds nest: a read inside a folder load gets what is left of
+// the load's bound at the most, and what it keeps is spent for the load too.
 class RecordBudget {
 public:
-    static constexpr std::size_t kBytes = std::size_t{32} << 20;
-    RecordBudget() noexcept;
+    static constexpr std::size_t kBytes = std::size_t{32} << 20;       // one read
+    static constexpr std::size_t kFolderBytes = std::size_t{1} << 30;  // one folder load
+    explicit RecordBudget(std::size_t bytes = kBytes) noexcept;
     ~RecordBudget();
     RecordBudget(const RecordBudget&) = delete;
     RecordBudget& operator=(const RecordBudget&) = delete;
+    // Gives back all that was spent under this bound, once what it paid for
+    // has been released (a failed read), so an enclosing bound is not
+    // charged for it.
+    void refund() noexcept;
 
 private:
-    std::size_t saved_;
+    std::size_t saved_;  // the enclosing bound's remainder when this one began
+    std::size_t limit_;  // this bound's own remainder when it began
 };
 
 // Fault injection for tests: after failAllocation(n), the n-th allocation

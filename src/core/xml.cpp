@@ -1,14 +1,17 @@
 #include "core/xml.h"
 
 #include <fcntl.h>
+#include <libxml/SAX2.h>
 #include <libxml/chvalid.h>
 #include <libxml/entities.h>
 #include <libxml/xmlerror.h>
 #include <libxml/xmlmemory.h>
 #include <libxml/xmlsave.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -87,6 +90,42 @@ bool spend(const xmlNode* n, std::size_t& budget, int entityDepth) noexcept {
     return true;
 }
 
+struct ParserDeleter {
+    void operator()(xmlParserCtxt* p) const noexcept { xmlFreeParserCtxt(p); }
+};
+using ParserPtr = std::unique_ptr<xmlParserCtxt, ParserDeleter>;
+
+// The context refuses every external load asked of it: an external DTD
+// subset or entity never reaches the parse.
+xmlParserInput* refuseExternal(void*, const xmlChar*, const xmlChar*) {
+    return nullptr;
+}
+
+// A parser context with the library's own settings. libxml2 copies the
+// calling thread's defaults into every new context (entity substitution,
+// loading the external DTD, validation, dropping blank text), and the
+// options of a read only add to them: a host thread that turned one on
+// (libxslt does) would make a read load local files named by an entity
+// into records and saved files. So the context is set back to libxml2's
+// own defaults here, on the context alone, touching no process-wide or
+// thread-wide setting.
+ParserPtr newParser() noexcept {
+    ParserPtr parser(xmlNewParserCtxt());
+    if (!parser) return parser;
+    xmlParserCtxt* p = parser.get();
+    p->options = 0;
+    p->replaceEntities = 0;
+    p->loadsubset = 0;
+    p->validate = 0;
+    p->pedantic = 0;
+    p->keepBlanks = 1;
+    if (p->sax) {
+        p->sax->ignorableWhitespace = xmlSAX2Characters;
+        p->sax->resolveEntity = refuseExternal;
+    }
+    return parser;
+}
+
 }  // namespace
 
 ReadDoc::ReadDoc(const char* path) noexcept {
@@ -105,13 +144,15 @@ ReadDoc::ReadDoc(const char* path) noexcept {
     struct stat st;
     if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || st.st_size > kMaxFileSize) return;
     QuietErrors quiet;
-    // No network access and no messages; otherwise libxml2's defaults, so
-    // whitespace between elements stays in the tree as text nodes, and
-    // neither a DTD nor an external entity is ever loaded. Short texts are
-    // kept inside their nodes: the same tree, with fewer allocations.
+    ParserPtr parser = newParser();
+    if (!parser) return;
+    // No network access and no messages. Whitespace between elements stays
+    // in the tree as text nodes, and neither a DTD nor an external entity is
+    // ever loaded. Short texts are kept inside their nodes: the same tree,
+    // with fewer allocations.
     constexpr int kOptions =
         XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_COMPACT;
-    doc_.reset(xmlReadFd(fd, path, nullptr, kOptions));
+    doc_.reset(xmlCtxtReadFd(parser.get(), fd, path, nullptr, kOptions));
     if (!doc_) return;
     // Only a document type can declare entities; without one the text is
     // the file's own and cannot exceed its size.
@@ -234,17 +275,42 @@ WriteDoc::WriteDoc(const char* rootName) noexcept
 
 namespace {
 
-// "folder/.kelprofile-XXXXXX" for the folder of path: a temporary name
-// beside the target that fits however long the target's own name is.
-HeapPtr<char> tempNameBeside(const char* path) noexcept {
-    static const char kName[] = ".kelprofile-XXXXXX";
+// A new file beside path, created for writing with mode (the umask
+// applied by the kernel) under a name no other file has: the folder of
+// path, then ".kelprofile-", the process, a count of this process's
+// temporary files and a few bits of the clock. Another process or thread
+// holding the name makes it try the next. The descriptor, or -1; name then
+// names the file created.
+int createBeside(const char* path, mode_t mode, HeapPtr<char>& name) noexcept {
+    static std::atomic<unsigned long> made{0};
+    static const char kPrefix[] = ".kelprofile-";
     const char* slash = std::strrchr(path, '/');
     std::size_t folder = slash ? static_cast<std::size_t>(slash - path) + 1 : 0;
-    HeapPtr<char> temp(static_cast<char*>(allocZeroed(folder + sizeof kName, 1)));
-    if (!temp) return temp;
-    std::memcpy(temp.get(), path, folder);
-    std::memcpy(temp.get() + folder, kName, sizeof kName);
-    return temp;
+    std::size_t size = folder + sizeof kPrefix + 3 * 20;
+    name.reset(static_cast<char*>(allocZeroed(size, 1)));
+    if (!name) return -1;
+    std::memcpy(name.get(), path, folder);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        struct timespec now {};
+        clock_gettime(CLOCK_REALTIME, &now);
+        std::snprintf(name.get() + folder, size - folder, "%s%lu-%lu-%lx", kPrefix,
+                      static_cast<unsigned long>(getpid()), made.fetch_add(1) + 1,
+                      static_cast<unsigned long>(now.tv_nsec) & 0xFFFFF);
+        int fd = open(name.get(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (fd >= 0 || errno != EEXIST) return fd;
+    }
+    return -1;
+}
+
+// Flushes a written file to the disk. Where the system has F_FULLFSYNC
+// (macOS), fsync hands the data to the drive without making the drive write
+// its cache; the full flush is asked for first, and fsync stands in where
+// the file system refuses it.
+bool flushToDisk(int fd) noexcept {
+#ifdef F_FULLFSYNC
+    if (fcntl(fd, F_FULLFSYNC) == 0) return true;
+#endif
+    return fsync(fd) == 0;
 }
 
 // Writes doc to an open descriptor and makes it durable; false when any
@@ -274,7 +340,7 @@ bool writeTo(int fd, xmlDoc* doc, bool indent) noexcept {
     if (!output) return false;
     bool ok = xmlSaveDoc(output, doc) != -1;
     ok = xmlSaveClose(output) != -1 && ok;
-    return ok && !sink.failed && fsync(fd) == 0;
+    return ok && !sink.failed && flushToDisk(fd);
 }
 
 }  // namespace
@@ -331,25 +397,26 @@ int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept {
     }
     bool exists = stat(path, &st) == 0;
     if (exists && !S_ISREG(st.st_mode)) return 1;
-    mode_t mode;
-    if (exists) {
-        mode = st.st_mode & 07777;
-    } else {
-        mode_t mask = umask(0);
-        umask(mask);
-        mode = 0666 & ~mask;
-    }
+    // A file the process may not write in place is not replaced behind its
+    // owner's back, as an editor would not: its mode says it is to be kept.
+    if (exists && access(path, W_OK) != 0) return 1;
 
-    HeapPtr<char> temp = tempNameBeside(path);
-    if (!temp) return 1;
-    int fd = mkstemp(temp.get());
+    // A new file is created 0666 less the umask, by the kernel; a replaced
+    // one is made private first and then given the old file's mode, so no
+    // one reads the new content whom the old mode would have kept out.
+    HeapPtr<char> temp;
+    int fd = createBeside(path, exists ? 0600 : 0666, temp);
     if (fd < 0) return 1;
-    // The replaced file keeps its owner where the process may give it
-    // (as root, say); otherwise the new file is the process's own.
-    if (exists && fchown(fd, st.st_uid, st.st_gid) != 0) {
-        // Not allowed: the file keeps the process's owner.
+    bool ok = true;
+    if (exists) {
+        // The replaced file keeps its owner where the process may give it
+        // (as root, say); otherwise the new file is the process's own.
+        if (fchown(fd, st.st_uid, st.st_gid) != 0) {
+            // Not allowed: the file keeps the process's owner.
+        }
+        ok = fchmod(fd, st.st_mode & 07777) == 0;
     }
-    bool ok = fchmod(fd, mode) == 0 && writeTo(fd, doc, indent);
+    ok = ok && writeTo(fd, doc, indent);
     ok = close(fd) == 0 && ok;
     if (ok) ok = rename(temp.get(), path) == 0;
     if (!ok) unlink(temp.get());

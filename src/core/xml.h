@@ -85,6 +85,9 @@ public:
     // Ends a successful read: releases the tree and returns 0. libxml2's
     // process-wide state is left as it is.
     int32_t finish() noexcept;
+    // After a failed read has given back all it allocated: the read is not
+    // charged against an enclosing bound (a folder load's).
+    void refund() noexcept { budget_.refund(); }
 
 private:
     RecordBudget budget_;
@@ -105,6 +108,7 @@ int32_t readFile(const char* path, Empty&& empty, Fill&& fill, Undo&& undo) noex
     if (fill(doc.root())) return doc.finish();
     undo();
     empty();
+    doc.refund();
     return 1;
 }
 
@@ -276,10 +280,11 @@ bool isXmlText(const char* text) noexcept;
 // failed save (a full disk, say) leaves the old file as it was and no
 // temporary file behind. A document holding a text or attribute value that
 // XML cannot hold (isXmlText) is not saved at all: the file would not read
-// back. The target keeps its permissions, and its owner
-// where the process may give it; a new file gets 0666 less the umask. A
-// link is written through; a link to nothing is refused. Other hard links
-// to the old file keep the old content. 0 saved, 1 not.
+// back. The target keeps its permissions, and its owner where the process
+// may give it; a new file gets 0666 less the umask, applied by the kernel
+// (the umask is never set). A target the process may not write in place is
+// not replaced. A link is written through; a link to nothing is refused.
+// Other hard links to the old file keep the old content. 0 saved, 1 not.
 int32_t saveDoc(xmlDoc* doc, const char* path, bool indent) noexcept;
 
 // A document of version "1.0" under construction, with its root element.

@@ -18,11 +18,16 @@ constexpr std::size_t kMaxFolderPath = 512;  // a file path with its terminator
 // Records. Only files that read advance the count, so a file that fails is
 // overwritten by the next one (Read clears its record first) and the first
 // count records are the valid ones. The block cannot be allocated: records
-// null and count 0. Always returns 0.
+// null and count 0. The block and every record's own allocations share one
+// bound of budget bytes, besides each read's own: a file that would pass it
+// is not read, so a folder of files that each stay within their own bound
+// cannot claim more memory in all than the host can give. Always returns 0.
 template <class Record, int32_t (*Read)(const char*, Record*)>
-int loadFolder(const char* folder, RecordArray* result) noexcept {
+int loadFolder(const char* folder, RecordArray* result,
+               std::size_t budget = RecordBudget::kFolderBytes) noexcept {
     if (!result) return 0;
     result->count = 0;
+    RecordBudget bound(budget);
     char* names[kMaxFolderFiles];
     int found = 0;
     // The scan only reads the folder path.
