@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/memory.h"
+#include "foundation/folder_loader.h"
 #include "kelProfile.h"
 #include "support.h"
 
@@ -200,6 +201,31 @@ TEST_F(AllocationFailure, FolderLoadersLoseFilesNeverMemory) {
         std::free(result.records);
     });
     EXPECT_GT(failures, 200);
+}
+
+// The bound of one folder load, made small: files within their own bound
+// are read while the load's bound lasts, and a file refused by its own
+// bound costs the load nothing.
+TEST_F(AllocationFailure, AFolderLoadIsBoundedAsAWhole) {
+    const int items = 600;
+    const std::size_t perFile = items * (sizeof(ConfigItem) + 20 * sizeof(ListEntry));
+    const std::string file =
+        "<Profiles><Config>" + repeat("<ConfigItem/>", items) + "</Config></Profiles>";
+    for (int i = 0; i < 6; ++i) writeFile(dir.file("sub/" + std::to_string(i) + ".xml"), file);
+    // Listed first, and refused by the bound of its own read.
+    writeFile(dir.file("huge.xml"),
+              "<Profiles><Config>" + repeat("<ConfigItem/>", 3000) + "</Config></Profiles>");
+    RecordArray result{};
+    kel::loadFolder<Profile, praseXmlFile>(dir.path().c_str(), &result,
+                                           7 * sizeof(Profile) + 3 * perFile + perFile / 2);
+    EXPECT_EQ(result.count, 3);
+    for (int i = 0; i < result.count; ++i) freeProfile(&static_cast<Profile*>(result.records)[i]);
+    std::free(result.records);
+    // The library's own loader reads them all.
+    ASSERT_EQ(praseXMLFolder(dir.path().c_str(), &result), 0);
+    EXPECT_EQ(result.count, 6);
+    for (int i = 0; i < result.count; ++i) freeProfile(&static_cast<Profile*>(result.records)[i]);
+    std::free(result.records);
 }
 
 }  // namespace

@@ -263,10 +263,13 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
                                  "      <ListValue>1,0.0</"}}));
 
     // A texts profile with fewer items and missing texts, its arrays of
-    // exactly the size in use: the missing texts are written empty.
+    // exactly the size in use: the missing texts are written empty. Its own
+    // first-language texts give way to the settings profile's.
     Record read, texts;
+    replaceText(record->desc[0], "S");
     ASSERT_EQ(
-        read.read(write(R"(<P><Main><DisplayName lang="en">T</DisplayName><Desc lang="fr">F</Desc>
+        read.read(write(
+            R"(<P><Main><DisplayName lang="en">T</DisplayName><Desc lang="en">T</Desc><Desc lang="fr">F</Desc>
 </Main><Config><ConfigItem><Label lang="fr">Taille</Label></ConfigItem></Config></P>)")),
         0);
     copyProfile(texts.get(), read.get());
@@ -274,7 +277,7 @@ TEST_F(ProfileFile, MergeTakesTranslationsFromTheTextsProfile) {
         merged(*record, *texts),
         edited(kProfile,
                {{"<DisplayName lang=\"zh\">中文</DisplayName>\n    <Desc lang=\"en\"></Desc>\n",
-                 "<DisplayName lang=\"fr\"></DisplayName>\n    <Desc lang=\"en\"></Desc>\n"
+                 "<DisplayName lang=\"fr\"></DisplayName>\n    <Desc lang=\"en\">S</Desc>\n"
                  "    <Desc lang=\"fr\">F</Desc>\n"},
                 {"<Label lang=\"en\">Size</Label>\n      <Label lang=\"zh\">中文</Label>\n"
                  "      <Description lang=\"zh\">中文</Description>\n",

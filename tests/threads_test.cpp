@@ -3,9 +3,11 @@
 // the host's system frameworks do: each must get what one thread alone gets.
 // The ThreadSanitizer build runs this test too.
 #include <libxml/parser.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -141,6 +143,98 @@ TEST(Threads, EveryFamilyOnManyThreadsGivesWhatOneThreadGives) {
     for (std::thread& t : threads) t.join();
     for (std::size_t i = 0; i < faults.size(); ++i) EXPECT_EQ(faults[i], 0) << "job " << i;
     EXPECT_GT(rounds, static_cast<int>(4 * kJobs.size()));
+}
+
+// The process's umask as the kernel reports it, without setting it (which
+// reading it through umask would do); -1 where the system does not say.
+int currentUmask() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.rfind("Umask:", 0) == 0) return std::stoi(line.substr(6), nullptr, 8);
+    return -1;
+}
+
+TEST(Threads, SavesOfNewFilesLeaveTheUmaskAloneAndApplyIt) {
+    mode_t before = umask(027);
+    if (currentUmask() != 027) GTEST_SKIP() << "the kernel does not report the umask";
+    TempDir dir;
+    std::atomic<bool> stop{false};
+    std::atomic<int> changed{0};
+    std::thread watcher([&] {
+        while (!stop) changed += currentUmask() != 027;
+    });
+    std::vector<std::thread> savers;
+    for (int t = 0; t < 4; ++t)
+        savers.emplace_back([&, t] {
+            TempOptionItem item{"a", "b"};
+            TempOption record{&item, 1, 0, ""};
+            for (int i = 0; i < 50; ++i) {
+                std::string path = dir.file(std::to_string(t) + "-" + std::to_string(i) + ".xml");
+                EXPECT_EQ(saveOptionXmlFile(path.c_str(), &record), 0);
+            }
+        });
+    for (std::thread& t : savers) t.join();
+    stop = true;
+    watcher.join();
+    umask(before);
+    EXPECT_EQ(changed, 0) << "the umask changed while files were saved";
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(dir.path())) {
+        ++files;
+        EXPECT_EQ(entry.status().permissions(), fs::perms(0640)) << entry.path();
+    }
+    EXPECT_EQ(files, 200);
+}
+
+// A folder that changes while it is loaded: the library's own saves of one
+// of its files on one thread, files and folders made and removed on
+// another, links to nothing made and removed. Every load returns, and
+// finds every file that stays, the one replaced by saves among them.
+TEST(Threads, FolderLoadsBesideSavesAndEntriesThatComeAndGo) {
+    TempDir dir;
+    for (const char* name : {"audio-mp3.xml", "hd-video.xml"})
+        writeFile(dir.file(name), readFile(kExamples + "profiles/" + name));
+    writeFile(dir.file("saved.xml"), readFile(kExamples + "profiles/audio-mp3.xml"));
+    std::atomic<bool> stop{false};
+    std::atomic<int> failedSaves{0};
+    std::thread saver([&] {
+        Profile p{};
+        praseXmlFile((kExamples + "profiles/audio-mp3.xml").c_str(), &p);
+        while (!stop) failedSaves += saveXmlFile(dir.file("saved.xml").c_str(), &p) != 0;
+        freeProfile(&p);
+    });
+    std::thread churn([&] {
+        for (int i = 0; !stop; ++i) {
+            std::string n = std::to_string(i % 8);
+            writeFile(dir.file("c" + n + ".xml"), "<Profiles/>");
+            fs::create_directories(dir.file("sub" + n + "/deeper"));
+            writeFile(dir.file("sub" + n + "/deeper/s.xml"), "<Profiles/>");
+            std::error_code ec;
+            fs::create_symlink(dir.file("gone"), dir.file("dangling" + n + ".xml"), ec);
+            fs::remove(dir.file("c" + std::to_string((i + 4) % 8) + ".xml"), ec);
+            fs::remove_all(dir.file("sub" + std::to_string((i + 4) % 8)), ec);
+            fs::remove(dir.file("dangling" + std::to_string((i + 4) % 8) + ".xml"), ec);
+        }
+    });
+    int loads = 0, short_ = 0;
+    for (auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1500);
+         std::chrono::steady_clock::now() < end; ++loads) {
+        RecordArray r{};
+        praseXMLFolder(dir.path().c_str(), &r);
+        int stable = 0;
+        for (int i = 0; i < r.count; ++i) {
+            std::string name = itemOf<Profile>(r, i).fileName;
+            stable += name == "audio-mp3.xml" || name == "hd-video.xml" || name == "saved.xml";
+        }
+        short_ += stable != 3;
+        releaseBlock<Profile, freeProfile>(&r);
+    }
+    stop = true;
+    saver.join();
+    churn.join();
+    EXPECT_GT(loads, 10);
+    EXPECT_EQ(short_, 0) << "loads that missed a file that was always there";
+    EXPECT_EQ(failedSaves, 0);
 }
 
 }  // namespace
