@@ -23,13 +23,35 @@
  *    control character), since such a file would not read back. It writes
  *    to a temporary file beside the target and renames it over the target
  *    only once saved, so a failed save leaves the old file as it was. It
- *    never changes its record.
+ *    never changes its record. An existing file the process may not write
+ *    in place (read-only to it) is not replaced: the writer gives 1 and
+ *    the file stays as it was.
  * The library keeps no state between calls. It sets libxml2 up once
  * (xmlInitParser, behind a once-flag) and never resets its process-wide
  * state: no xmlCleanupParser or xmlMemoryDump after a read, because the
  * host and the system's own frameworks use the same libxml2 on threads of
  * their own, and a reset destroys its locks under them. The clean-up is
  * left to the process, as libxml2 asks.
+ *
+ * The library runs inside the host's process and leaves it as it found it.
+ * It never ends the process and prints nothing: where the historical
+ * library ended the process after printing "stat()" when a folder scan met
+ * an entry without a status, this one passes the entry over, because
+ * entries come and go while a folder is scanned (the library's own saves
+ * among them) and the host must not die of it. It never changes the
+ * process's umask (a new file is created 0666 less the umask by the
+ * kernel; a replaced file keeps its mode), signals, locale or libxml2's
+ * process-wide or per-thread defaults. Every read parses with the
+ * library's own settings whatever libxml2 defaults the calling thread has
+ * set: no entity is loaded from outside the document, no DTD is loaded, no
+ * validation, no network, no XInclude, so no local file named by an entity
+ * ever reaches a record, a value or a saved file.
+ *
+ * Memory: the records one read allocates may take at most 32 MB, and the
+ * records of one folder load at most 1 GiB in all; a file that would pass
+ * either bound is not read (1 and a cleared record; a folder load counts
+ * it out, as a file that fails). Files larger than 64 MB, and anything but
+ * a regular file, are not read.
  *
  * Threads: every function may run on several threads at once, on
  * different records and different files, beside any other libxml2 user of
@@ -744,8 +766,9 @@ KELPROFILE_API const char* findValueType(int code);
 KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 
 /* Whether the entry of folder is a directory, following symbolic links.
- * Choices: a status that cannot be taken prints "stat()" with the reason
- * and ends the process with status 1. A folder and name that do not join
+ * Choices: an entry whose status cannot be taken (gone, a dangling or
+ * looping link, no permission) is not a directory; nothing is printed and
+ * the process goes on. A folder and name that do not join
  * within 1023 bytes are not a directory (no status is taken). On 32-bit
  * glibc the library is built with _FILE_OFFSET_BITS=64 and entry is that
  * build's struct dirent; its CMake package and pkg-config file pass the same
@@ -756,11 +779,17 @@ KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
  * subfolder in turn. Result: always 0.
  * Ownership: each name is a heap string the caller frees.
  * Choices: at most 512 entries in all; paths that do not fit 511 bytes are
- * skipped. An entry whose status cannot be taken (a link to nothing) ends
- * the process, as isDir does. Only regular files are taken (a FIFO, socket or device named
- * .xml is not). Each folder is entered at most once per scan, however many
- * symbolic links lead to it, and at most 4096 folders are entered, so a
- * scan's time is bounded by the number of distinct folders. */
+ * skipped. Deliberately unlike the historical library, which ended the
+ * process: an entry whose status cannot be taken (removed since the
+ * listing, a dangling or looping link, a folder that can be listed but not
+ * searched) is passed over as if it were not there, and the scan goes on,
+ * since entries come and go while a folder is scanned. Only regular files
+ * are taken (a FIFO, socket or device named .xml is not). Each folder is
+ * entered at most once per scan, however many symbolic links lead to it,
+ * and at most 4096 folders are entered, so a scan's time is bounded by the
+ * number of distinct folders. The folders still to visit are kept on the
+ * heap, so a tree of any depth takes the same stack of the calling thread
+ * (a secondary thread's 512 KiB suffice). */
 KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
 /* Folder loaders: every XML file below folder read into one block of
  * records (Profile, DVDMenu, TempOption) with the family's reader; only
@@ -768,7 +797,9 @@ KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
  * Ownership: result->records is one heap block the caller frees after
  * releasing each record as its family does.
  * Choices: when the block cannot be allocated, records is null and count
- * 0. */
+ * 0. The block and every record's own allocations take at most 1 GiB in
+ * all (besides each read's own 32 MB); a file that would pass it is not
+ * read and is counted out, as a file that fails. */
 KELPROFILE_API int praseXMLFolder(const char* folder, RecordArray* result);
 KELPROFILE_API int praseDVDXMLFolder(const char* folder, RecordArray* result);
 KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result);
