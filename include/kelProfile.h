@@ -7,6 +7,13 @@
  * records of profiles, customizations, option groups, temporary options and
  * products is GBK (attribute values excepted, which stay UTF-8 as in the
  * file); web-player and DVD records hold UTF-8. Every file written is UTF-8.
+ * A text a reader could not convert to GBK (it has no GBK form) stays in
+ * the record as the UTF-8 it was in the file, and the writers write such a
+ * text back as it stands: a record text that is valid UTF-8 and has no GBK
+ * form is taken for one, so a file read and written keeps its text. The
+ * price of that choice: a GBK text whose bytes also happen to be valid
+ * UTF-8 for characters GBK lacks (a lone "注", D7 A2, is Hebrew U+05E2 as
+ * UTF-8) is written as those characters.
  *
  * File functions return 0 on success and 1 on failure, and every reader
  * and writer follows one failure rule:
@@ -704,7 +711,14 @@ KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result
  * Result: 0 converted; -1 when a name is null or unknown, the input is
  * invalid or cut short, or the result does not fit.
  * Choices: a result that fills all outlen bytes leaves no room for the
- * terminator and counts as not fitting (-1). */
+ * terminator and counts as not fitting (-1). Between UTF-8 and GBK (the
+ * names in any case) the result is the same on every platform, whatever
+ * the system's iconv does: GBK is code page 936's, so the euro sign is the
+ * one byte 0x80 both ways; and a UTF-8 text whose GBK result does not
+ * convert back to exactly that text fails (-1), as an irreversible
+ * conversion does, even where the system's iconv replaced a character
+ * without saying so. Every reader, writer and GBKtoUTF/UTFtoGBK convert by
+ * the same rules. */
 KELPROFILE_API int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen,
                           char* out, unsigned long outlen);
 /* Both convert src from UTF-8 to GBK into dst (1024 bytes), and keep a

@@ -1,5 +1,7 @@
 #include "core/text.h"
 
+#include <strings.h>
+
 #include <cstdlib>
 
 #include "core/memory.h"
@@ -138,14 +140,124 @@ int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsi
     return result != 0 ? -1 : 0;
 }
 
+namespace {
+
+bool named(const char* name, const char* a, const char* b = nullptr) noexcept {
+    return strcasecmp(name, a) == 0 || (b && strcasecmp(name, b) == 0);
+}
+
+// The euro sign: U+20AC in UTF-8, and GBK's one byte 0x80 (code page 936).
+constexpr char kEuroUtf8[] = "\xE2\x82\xAC";
+constexpr std::size_t kEuroUtf8Len = 3;
+constexpr char kEuroGbk = '\x80';
+
+// Where the next euro sign starts in [p, end), or end. In GBK the byte
+// 0x80 is one only where a character starts: after a lead byte it is the
+// second byte of another character.
+const char* nextEuro(const char* p, const char* end, bool gbk) noexcept {
+    if (gbk) {
+        while (p < end) {
+            auto c = static_cast<unsigned char>(*p);
+            if (c == 0x80) return p;
+            p += (c >= 0x81 && c <= 0xFE && p + 1 < end) ? 2 : 1;
+        }
+        return end;
+    }
+    for (; end - p >= 3; ++p)
+        if (std::memcmp(p, kEuroUtf8, kEuroUtf8Len) == 0) return p;
+    return end;
+}
+
+// One call of the converter over len bytes of in, appended at out; false
+// when it stops early, runs out of room or replaced anything.
+bool convertRun(iconv_t cd, const char* in, std::size_t len, char*& out,
+                std::size_t& room) noexcept {
+    if (len == 0) return true;
+    char* inPtr = const_cast<char*>(in);
+    std::size_t inLeft = len;
+    return iconv(cd, &inPtr, &inLeft, &out, &room) == 0;
+}
+
+}  // namespace
+
+Conversion::Conversion(const char* tocode, const char* fromcode) noexcept
+    : to_(tocode), from_(fromcode), pair_(Pair::Other) {
+    bool toGbk = named(tocode, "gbk"), toUtf8 = named(tocode, "UTF-8", "UTF8");
+    bool fromGbk = named(fromcode, "gbk"), fromUtf8 = named(fromcode, "UTF-8", "UTF8");
+    if (toGbk && fromUtf8) pair_ = Pair::ToGbk;
+    if (toUtf8 && fromGbk) pair_ = Pair::ToUtf8;
+}
+
 Conversion::~Conversion() {
     if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
 }
 
-int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned long outlen) noexcept {
+bool Conversion::open() noexcept {
     if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open(to_, from_);
-    if (cd_ == reinterpret_cast<iconv_t>(-1)) return -1;
-    return convertWith(cd_, in, inlen, out, outlen, false);
+    return cd_ != reinterpret_cast<iconv_t>(-1);
+}
+
+bool Conversion::runPair(const char* in, std::size_t inlen, char*& out,
+                         std::size_t& room) noexcept {
+    bool fromGbk = pair_ == Pair::ToUtf8;
+    const char* end = in + inlen;
+    for (const char* p = in;;) {
+        const char* euro = nextEuro(p, end, fromGbk);
+        if (!convertRun(cd_, p, static_cast<std::size_t>(euro - p), out, room)) return false;
+        if (euro == end) return true;
+        std::size_t n = fromGbk ? kEuroUtf8Len : 1;
+        if (room < n) return false;
+        if (fromGbk) {
+            std::memcpy(out, kEuroUtf8, kEuroUtf8Len);
+        } else {
+            *out = kEuroGbk;
+        }
+        out += n;
+        room -= n;
+        p = euro + (fromGbk ? 1 : kEuroUtf8Len);
+    }
+}
+
+int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned long outlen,
+                    bool zeroFill, Conversion* back, std::size_t* written) noexcept {
+    if (!open()) return -1;
+    if (pair_ == Pair::Other) {
+        int result = convertWith(cd_, in, inlen, out, outlen, zeroFill);
+        if (written) *written = outlen > 0 ? std::strlen(out) : 0;
+        return result;
+    }
+    // Start from the initial state, whatever an earlier failure left.
+    iconv(cd_, nullptr, nullptr, nullptr, nullptr);
+    if (zeroFill) std::memset(out, 0, outlen);
+    if (written) *written = 0;
+    // A result that fills the whole buffer has no room for its terminator:
+    // it does not fit.
+    if (outlen == 0) return -1;
+    char* end = out;
+    std::size_t room = outlen - 1;
+    bool ok = runPair(in ? in : "", in ? inlen : 0, end, room);
+    *end = 0;
+    std::size_t length = static_cast<std::size_t>(end - out);
+    if (written) *written = length;
+    if (ok && pair_ == Pair::ToGbk && back) ok = back->givesBack(out, length, in, inlen);
+    return ok ? 0 : -1;
+}
+
+bool Conversion::givesBack(const char* converted, std::size_t len, const char* source,
+                           std::size_t sourceLen) noexcept {
+    // What converts back to the source is as long as it, so a buffer one
+    // byte longer holds it; anything longer is not the source.
+    char local[2048];
+    HeapPtr<char> heap;
+    char* buffer = local;
+    if (sourceLen + 1 > sizeof local) {
+        heap.reset(static_cast<char*>(allocZeroed(sourceLen + 1, 1)));
+        if (!heap) return false;
+        buffer = heap.get();
+    }
+    std::size_t length = 0;
+    return run(converted, len, buffer, sourceLen + 1, false, nullptr, &length) == 0 &&
+           length == sourceLen && std::memcmp(buffer, source, sourceLen) == 0;
 }
 
 namespace {
@@ -158,9 +270,10 @@ bool isAscii(const char* s, std::size_t len) noexcept {
 }
 }  // namespace
 
-const char* Converter::convert(Conversion& direction, const char* in) noexcept {
+const char* Converter::convert(Conversion& direction, const char* in, Conversion* back) noexcept {
     std::size_t len = std::strlen(in);
-    if (!isAscii(in, len)) return direction.run(in, len, buf_, kSize) == 0 ? buf_ : nullptr;
+    if (!isAscii(in, len))
+        return direction.run(in, len, buf_, kSize, false, back) == 0 ? buf_ : nullptr;
     // Copied as iconv would convert it, without its cost: a text that
     // leaves no room for the terminator does not fit.
     if (len >= kSize) return nullptr;
@@ -174,11 +287,16 @@ RecordText Converter::toRecord(const char* utf8) noexcept {
 }
 
 const char* Converter::toRecordOrNull(const char* utf8) noexcept {
-    return utf8 ? convert(toGbk_, utf8) : nullptr;
+    return utf8 ? convert(toGbk_, utf8, &toUtf8_) : nullptr;
 }
 
 const char* Converter::toFile(const char* gbk) noexcept {
-    const char* converted = gbk ? convert(toUtf8_, gbk) : nullptr;
+    if (!gbk) return "";
+    // A text a reader kept as it was in the file, because it has no GBK
+    // form, goes back to the file as it came; taken as GBK it would turn
+    // into other characters (the UTF-8 of "a¦b" reads as GBK "a娄b").
+    if (!isAscii(gbk, std::strlen(gbk)) && isUtf8(gbk) && !toRecordOrNull(gbk)) return gbk;
+    const char* converted = convert(toUtf8_, gbk, nullptr);
     return converted ? converted : "";
 }
 

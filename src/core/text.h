@@ -90,20 +90,45 @@ int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsi
 // A conversion direction whose descriptor is opened at its first use and
 // kept for the rest of one read or write, so that a file with thousands of
 // texts does not open and close a descriptor for each of them.
+//
+// Between UTF-8 and GBK (the names "UTF-8" and "gbk", in any case) two
+// rules make a conversion the same on every platform, whatever the
+// platform's converter does (glibc's, GNU libiconv's or macOS's own):
+//  - the euro sign is GBK's one byte 0x80, as code page 936 has it, in both
+//    directions, whether the platform's converter maps it so, refuses it or
+//    maps it elsewhere;
+//  - a UTF-8 text whose GBK result does not convert back to exactly the
+//    text has failed, as an irreversible conversion does, whether or not
+//    the converter reports the characters it replaced.
 class Conversion {
 public:
-    Conversion(const char* tocode, const char* fromcode) noexcept : to_(tocode), from_(fromcode) {}
+    Conversion(const char* tocode, const char* fromcode) noexcept;
     ~Conversion();
     Conversion(const Conversion&) = delete;
     Conversion& operator=(const Conversion&) = delete;
-    // As covert, without zeroing the rest of out: 0, or -1 when the
-    // descriptor cannot be opened (out is then left alone) or the
-    // conversion fails.
-    int run(const char* in, unsigned long inlen, char* out, unsigned long outlen) noexcept;
+    // As covert: 0, or -1 when the descriptor cannot be opened (out is then
+    // left alone) or the conversion fails. The result, whole or partial, is
+    // terminated: by zeroing all of out first when zeroFill is set, else by
+    // one terminator after it; written, when given, takes its length. A
+    // UTF-8 to GBK conversion is checked by converting its result back with
+    // back, the opposite direction.
+    int run(const char* in, unsigned long inlen, char* out, unsigned long outlen,
+            bool zeroFill = false, Conversion* back = nullptr,
+            std::size_t* written = nullptr) noexcept;
 
 private:
+    enum class Pair : unsigned char { Other, ToGbk, ToUtf8 };
+    bool open() noexcept;
+    // The GBK/UTF-8 pair, converted around its euro signs.
+    bool runPair(const char* in, std::size_t inlen, char*& out, std::size_t& room) noexcept;
+    // Whether converting converted (len bytes) in this direction gives back
+    // exactly source (sourceLen bytes).
+    bool givesBack(const char* converted, std::size_t len, const char* source,
+                   std::size_t sourceLen) noexcept;
+
     const char* to_;
     const char* from_;
+    Pair pair_;
     iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
 };
 
@@ -131,13 +156,16 @@ public:
     RecordText toRecord(const char* utf8) noexcept;
     // As toRecord, but null when the text does not convert.
     const char* toRecordOrNull(const char* utf8) noexcept;
-    // Record text (GBK) to file text (UTF-8); "" when it does not convert.
+    // Record text (GBK) to file text (UTF-8); "" when it does not convert. A
+    // text that is valid UTF-8 and has no GBK form can only be one a reader
+    // kept unconverted: it is written back as it stands, as it was read.
     const char* toFile(const char* gbk) noexcept;
 
 private:
     // in converted into the buffer, or null when it does not convert.
     // ASCII text is copied: both code pages write it as the same bytes.
-    const char* convert(Conversion& direction, const char* in) noexcept;
+    // A UTF-8 to GBK conversion is checked by converting back with back.
+    const char* convert(Conversion& direction, const char* in, Conversion* back) noexcept;
 
     char buf_[kSize];
     Conversion toGbk_{"gbk", "UTF-8"};

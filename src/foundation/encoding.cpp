@@ -1,18 +1,10 @@
 // Conversion between the code pages of files (UTF-8) and records (GBK).
-#include <iconv.h>
-
 #include <cstring>
-#include <memory>
 
 #include "core/text.h"
 #include "kelProfile.h"
 
 namespace {
-
-struct IconvCloser {
-    void operator()(void* cd) const noexcept { iconv_close(static_cast<iconv_t>(cd)); }
-};
-using IconvHandle = std::unique_ptr<void, IconvCloser>;
 
 char kGbk[] = "gbk";
 char kUtf8[] = "UTF-8";
@@ -37,10 +29,10 @@ char* utf8ToGbkOrCopy(char* src, char* dst) {
 int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen, char* out,
            unsigned long outlen) {
     if (!tocode || !fromcode || !out) return -1;
-    iconv_t cd = iconv_open(tocode, fromcode);
-    if (cd == reinterpret_cast<iconv_t>(-1)) return -1;
-    IconvHandle handle(cd);
-    return kel::convertWith(cd, in, inlen, out, outlen, true);
+    // The opposite direction checks a UTF-8 to GBK conversion; it is opened
+    // only when it is used.
+    kel::Conversion direction(tocode, fromcode), back(fromcode, tocode);
+    return direction.run(in, inlen, out, outlen, true, &back);
 }
 
 // Both directions' names are historical: each converts UTF-8 to GBK.
