@@ -3,8 +3,10 @@
 # built, not run) and an AddressSanitizer + UndefinedBehaviorSanitizer build,
 # both with warnings as errors; a ThreadSanitizer build of the threads test;
 # the interface compared with its ABI baseline;
-# a 32-bit x86 build with all its tests, the host's own architecture; the
-# macOS and musl cross-builds; then a short run of every fuzz target.
+# a 32-bit x86 build with all its tests, the host's own architecture; a
+# build and the tests against GNU libiconv; the macOS cross-build (one
+# universal, signed dylib) and the musl one; then a short run of every fuzz
+# target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -32,6 +34,11 @@ TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
   ctest --test-dir build/tsan -R '^Threads\.' --output-on-failure
 
 bash scripts/i386.sh
+
+# The converter macOS ships up to macOS 13: GNU libiconv, built from the npm
+# registry's copy, the tests run against it, and every example's and
+# fixture's records and saved files compared with the glibc build's.
+bash scripts/libiconv.sh build/plain
 
 # The host's platform: the library and the tool cross-compiled for macOS
 # (x86-64 and arm64) and checked as the host loads them; and compiled for
