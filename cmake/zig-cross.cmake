@@ -4,8 +4,9 @@
 #     -DCMAKE_TOOLCHAIN_FILE=cmake/zig-cross.cmake \
 #     -DKELPROFILE_CROSS_TARGET=x86_64-macos -DKELPROFILE_CROSS_DIR=build/cross
 # scripts/cross.sh sets up KELPROFILE_CROSS_DIR: the compiler wrappers in
-# bin/, libxml2's headers with a stand-in for ICU's converter header in
-# include/, and text stubs of the system's libxml2 and libiconv in lib/.
+# bin/ (their Zig target carries the oldest macOS the build loads on, 11.0),
+# libxml2's headers with a stand-in for ICU's converter header in include/,
+# and text stubs of the system's libxml2 and libiconv in lib/.
 #
 # Everything the project's own CMakeLists.txt decides for the platform (on
 # macOS the dylib's name, install name and visibility) is what gets built.
@@ -18,7 +19,9 @@ get_filename_component(_cross "${KELPROFILE_CROSS_DIR}" ABSOLUTE)
 
 if(KELPROFILE_CROSS_TARGET MATCHES "macos")
   set(CMAKE_SYSTEM_NAME Darwin)
-  # Nothing of the host's Xcode is looked for: there is none.
+  # Nothing of the host's Xcode is looked for: there is none. The minimum
+  # macOS is the wrappers' (in their Zig target, which is what the linker
+  # writes into LC_BUILD_VERSION), not a -mmacosx-version-min of CMake's.
   set(CMAKE_OSX_SYSROOT "" CACHE PATH "" FORCE)
   set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "" FORCE)
 else()
