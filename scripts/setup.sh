@@ -15,6 +15,10 @@ for option in "$@"; do
     # LLVM's tools read the Mach-O files of the macOS cross-build
     # (scripts/cross.sh).
     --cross) packages+=(llvm) ;;
+    # npm, for what comes from the npm registry (Zig, GNU libiconv's
+    # sources), only where there is none: the development machines have npm
+    # with their Node.js, and Debian's npm would fight with that one.
+    --npm) command -v npm >/dev/null || packages+=(npm) ;;
   esac
 done
 
