@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -23,6 +24,17 @@ char* dupBytes(const char* s, std::size_t n) noexcept;
 template <class T>
 T* allocRecords(std::size_t n) noexcept {
     return static_cast<T*>(allocZeroed(n, sizeof(T)));
+}
+
+// A loop bound taken from a record, kept inside its array: a count below 0
+// counts as 0, one above the array's capacity as the capacity, and a
+// missing array as empty. The host may leave any count in a record.
+inline int countWithin(int32_t count, int capacity = INT32_MAX) noexcept {
+    return count < 0 ? 0 : count > capacity ? capacity : count;
+}
+template <class T>
+int countWithin(const T* array, int32_t count, int capacity = INT32_MAX) noexcept {
+    return array ? countWithin(count, capacity) : 0;
 }
 
 struct FreeDeleter {

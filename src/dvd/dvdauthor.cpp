@@ -16,11 +16,6 @@ namespace {
 
 constexpr int32_t kMaxTitles = 12;
 
-int32_t titlesOn(const DVDMenuPage& page) noexcept {
-    if (page.titleCount < 0) return 0;
-    return page.titleCount < kMaxTitles ? page.titleCount : kMaxTitles;
-}
-
 // Text of a command naming one title, title set or menu.
 struct Command {
     Command(const char* format, int32_t number) noexcept {
@@ -55,7 +50,7 @@ void addMenuPage(xmlNode* menus, const DVDDisc& disc, int32_t page, int32_t page
                  int32_t firstTitle, int32_t discTitles) noexcept {
     xmlNode* pgc = kel::addElement(menus, "pgc");
     int32_t buttons = 0;
-    for (int32_t i = 0; i < titlesOn(disc.pages[page - 1]); ++i)
+    for (int32_t i = 0; i < kel::countWithin(disc.pages[page - 1].titleCount, kMaxTitles); ++i)
         addButton(pgc, buttons, Command("jump  title %d;", firstTitle + i));
     if (page > 1) addButton(pgc, buttons, Command("jump menu %d;", page - 1));
     if (page < pageCount) addButton(pgc, buttons, Command("jump menu %d;", page + 1));
@@ -77,9 +72,10 @@ void addMenuPage(xmlNode* menus, const DVDDisc& disc, int32_t page, int32_t page
 int32_t saveDVDXml(const char* path, const DVDDisc* record) {
     if (!record) return 1;
     const DVDDisc& disc = *record;
-    int32_t pageCount = disc.pages && disc.pageCount > 0 ? disc.pageCount : 0;
+    int32_t pageCount = kel::countWithin(disc.pages, disc.pageCount);
     int32_t discTitles = 0;
-    for (int32_t m = 0; m < pageCount; ++m) discTitles += titlesOn(disc.pages[m]);
+    for (int32_t m = 0; m < pageCount; ++m)
+        discTitles += kel::countWithin(disc.pages[m].titleCount, kMaxTitles);
 
     kel::WriteDoc doc("dvdauthor");
     kel::setAttr(doc.root(), "jumppad", "1");
@@ -88,7 +84,7 @@ int32_t saveDVDXml(const char* path, const DVDDisc* record) {
     // disc.
     int32_t title = 0;
     for (int32_t m = 0; m < pageCount; ++m) {
-        for (int32_t i = 0; i < titlesOn(disc.pages[m]); ++i) {
+        for (int32_t i = 0; i < kel::countWithin(disc.pages[m].titleCount, kMaxTitles); ++i) {
             ++title;
             Command post = title == discTitles ? Command("call vmgm menu %d;", 1)
                                                : Command("call titleset %d menu;", title + 1);
@@ -102,7 +98,7 @@ int32_t saveDVDXml(const char* path, const DVDDisc* record) {
         int32_t firstTitle = 1;
         for (int32_t m = 1; m <= pageCount; ++m) {
             addMenuPage(menus, disc, m, pageCount, firstTitle, discTitles);
-            firstTitle += titlesOn(disc.pages[m - 1]);
+            firstTitle += kel::countWithin(disc.pages[m - 1].titleCount, kMaxTitles);
         }
     }
     return doc.save(path);

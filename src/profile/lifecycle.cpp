@@ -16,7 +16,8 @@ void releaseItems(ConfigItem* items, int count, int slots) noexcept {
         ConfigItem& item = items[k];
         releaseTexts(item.label, slots);
         releaseTexts(item.description, slots);
-        for (int j = 0; j < entryCount(item); ++j) releaseTexts(item.listEntries[j].label, slots);
+        for (int j = 0; j < kel::countWithin(item.listEntries, item.listEntryCount); ++j)
+            releaseTexts(item.listEntries[j].label, slots);
         std::free(item.listEntries);
     }
     std::free(items);
@@ -50,7 +51,7 @@ bool copyItem(ConfigItem& to, const ConfigItem& from, Profile& owner, int slots)
     to.readyOnly = from.readyOnly;
     to.displayType = from.displayType;
     to.valueType = from.valueType;
-    to.listEntryCount = entryCount(from);
+    to.listEntryCount = kel::countWithin(from.listEntries, from.listEntryCount);
     to.defaultInt = from.defaultInt;
     kel::copyField(to.name, from.name);
     kel::copyField(to.group, from.group);
@@ -75,12 +76,12 @@ bool copyInto(Profile& to, const Profile& from) {
     to.type = from.type;
     to.device = from.device;
     to.groupId = from.groupId;
-    to.configItemCount = itemCount(from);
+    to.configItemCount = kel::countWithin(from.configItems, from.configItemCount);
     kel::copyField(to.fileName, from.fileName);
     kel::copyField(to.name, from.name);
     kel::copyField(to.format, from.format);
     kel::copyField(to.extName, from.extName);
-    int slots = langSlots(from.langCount);
+    int slots = kel::countWithin(from.langCount, kLangSlots);
     if (!copyTexts(to.langNames, from.langNames, slots) ||
         !copyTexts(to.displayName, from.displayName, slots) ||
         !copyTexts(to.desc, from.desc, slots) ||
@@ -98,8 +99,9 @@ bool copyInto(Profile& to, const Profile& from) {
 
 void freeProfile(Profile* record) {
     if (!record) return;
-    int slots = langSlots(record->langCount);
-    releaseItems(record->configItems, itemCount(*record), slots);
+    int slots = kel::countWithin(record->langCount, kLangSlots);
+    releaseItems(record->configItems,
+                 kel::countWithin(record->configItems, record->configItemCount), slots);
     releaseTexts(record->langNames, slots);
     releaseTexts(record->displayName, slots);
     releaseTexts(record->desc, slots);

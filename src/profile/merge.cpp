@@ -15,14 +15,16 @@ bool isTranslatedValue(const ListEntry& entry) {
 }
 
 bool hasTranslatedValue(const ConfigItem& item) {
-    for (int j = 0; j < entryCount(item); ++j)
+    for (int j = 0; j < kel::countWithin(item.listEntries, item.listEntryCount); ++j)
         if (isTranslatedValue(item.listEntries[j])) return true;
     return false;
 }
 
 // The translated label of entry 0 in a slot, "" when there is none.
 const char* translatedLabel(const ConfigItem& texts, int slot) {
-    const char* label = entryCount(texts) > 0 ? texts.listEntries[0].label[slot] : nullptr;
+    const char* label = kel::countWithin(texts.listEntries, texts.listEntryCount) > 0
+                            ? texts.listEntries[0].label[slot]
+                            : nullptr;
     return label ? label : "";
 }
 
@@ -36,7 +38,7 @@ void addListLabels(Writer& w, xmlNode* node, const ConfigItem& item, const Confi
     bool translated = texts && hasTranslatedValue(item);
     for (int s = 0; s < langs.slots(); ++s) {
         w.joined.clear();
-        for (int j = 0; j < entryCount(item); ++j) {
+        for (int j = 0; j < kel::countWithin(item.listEntries, item.listEntryCount); ++j) {
             const ListEntry& entry = item.listEntries[j];
             if (j == 0 && translated && isTranslatedValue(entry)) {
                 w.joined.add(0, translatedLabel(*texts, s));
@@ -71,9 +73,10 @@ int32_t megXmlFile(const char* path, const Profile* settings, const Profile* tex
     w.addGroup(s);
 
     xmlNode* config = kel::addElement(w.root(), "Config");
-    for (int k = 0; k < itemCount(s); ++k) {
+    for (int k = 0; k < kel::countWithin(s.configItems, s.configItemCount); ++k) {
         const ConfigItem& item = s.configItems[k];
-        const ConfigItem* translation = k < itemCount(t) ? &t.configItems[k] : nullptr;
+        const ConfigItem* translation =
+            k < kel::countWithin(t.configItems, t.configItemCount) ? &t.configItems[k] : nullptr;
         xmlNode* node = w.addConfigItem(config, item);
         if (translation) w.addItemTexts(node, *translation, langs);
         addListLabels(w, node, item, translation, langs);

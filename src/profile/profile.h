@@ -20,18 +20,6 @@ constexpr int kLangSlots = 10;     // every per-language array
 constexpr int kListCapacity = 20;  // list entries the reader makes room for
 constexpr int kListDisplayType = 20;
 
-// Loop bounds taken from a record, kept inside its arrays: a count below 0
-// counts as 0, a language count above 10 as 10, a missing array as empty.
-inline int langSlots(int32_t langCount) noexcept {
-    return langCount < 0 ? 0 : langCount > kLangSlots ? kLangSlots : langCount;
-}
-inline int itemCount(const Profile& p) noexcept {
-    return p.configItems && p.configItemCount > 0 ? p.configItemCount : 0;
-}
-inline int entryCount(const ConfigItem& item) noexcept {
-    return item.listEntries && item.listEntryCount > 0 ? item.listEntryCount : 0;
-}
-
 // Releases the texts of slots 0 to slots - 1.
 void releaseTexts(char* (&texts)[kLangSlots], int slots) noexcept;
 // Releases everything count items own (texts of slots 0 to slots - 1),
@@ -45,7 +33,9 @@ void releaseItems(ConfigItem* items, int count, int slots) noexcept;
 class Languages {
 public:
     explicit Languages(const Profile& p) noexcept
-        : names_(p.langNames), slots_(langSlots(p.langCount)), tagged_(p.langCount >= 2) {}
+        : names_(p.langNames),
+          slots_(kel::countWithin(p.langCount, kLangSlots)),
+          tagged_(p.langCount >= 2) {}
     int slots() const noexcept { return slots_; }
     // The tag of a slot, or null for an untagged element.
     const char* tag(int slot) const noexcept { return tagged_ ? names_[slot] : nullptr; }

@@ -10,7 +10,7 @@ using namespace kel::profile;
 int getLangIndex(int& count, char** table, const char* name) {
     if (!name) return 0;
     if (!table) return -1;
-    int known = langSlots(count);
+    int known = kel::countWithin(count, kLangSlots);
     for (int i = 0; i < known; ++i)
         if (table[i] && std::strcmp(table[i], name) == 0) return i;
     if (known == kLangSlots) return -1;
@@ -118,7 +118,8 @@ private:
 
     void readConfig(xmlNode* config) noexcept {
         // A later "Config" replaces the items of an earlier one.
-        releaseItems(p_.configItems, itemCount(p_), kLangSlots);
+        releaseItems(p_.configItems, kel::countWithin(p_.configItems, p_.configItemCount),
+                     kLangSlots);
         if (!kel::readArray(config, "ConfigItem", p_.configItems, p_.configItemCount,
                             [this](ConfigItem& item, xmlNode* node) { readItem(item, node); }))
             ok_ = false;

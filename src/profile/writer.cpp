@@ -79,7 +79,8 @@ bool Writer::addListLabels(xmlNode* node, const char* lang) noexcept {
 
 void Writer::addValues(xmlNode* node, const ConfigItem& item) noexcept {
     joined.clear();
-    for (int j = 0; j < entryCount(item); ++j) joined.add(j, field(item.listEntries[j].value).text);
+    for (int j = 0; j < kel::countWithin(item.listEntries, item.listEntryCount); ++j)
+        joined.add(j, field(item.listEntries[j].value).text);
     add(node, "ListValue", joined.text());
     if (item.displayType == kListDisplayType) {
         addInt(node, "DefaultValue", item.defaultInt);
@@ -106,13 +107,13 @@ int32_t saveXmlFile(const char* path, const Profile* record) {
     w.addGroup(p);
 
     xmlNode* config = kel::addElement(w.root(), "Config");
-    for (int k = 0; k < itemCount(p); ++k) {
+    for (int k = 0; k < kel::countWithin(p.configItems, p.configItemCount); ++k) {
         const ConfigItem& item = p.configItems[k];
         xmlNode* node = w.addConfigItem(config, item);
         w.addItemTexts(node, item, langs);
         for (int s = 0; s < langs.slots(); ++s) {
             w.joined.clear();
-            for (int j = 0; j < entryCount(item); ++j)
+            for (int j = 0; j < kel::countWithin(item.listEntries, item.listEntryCount); ++j)
                 w.joined.add(j, item.listEntries[j].label[s]);
             w.addListLabels(node, langs.tag(s));
         }

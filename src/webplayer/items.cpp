@@ -162,7 +162,7 @@ void writeItem(xmlNode* node, const Item& item, Layout layout, ColourForm colour
 template <class Item>
 void writeItems(xmlNode* parent, const char* name, const Item* items, int32_t count, Layout layout,
                 ColourForm colours) noexcept {
-    for (int i = 0; i < itemCount(items, count); ++i)
+    for (int i = 0; i < kel::countWithin(items, count); ++i)
         writeItem(addElement(parent, name), items[i], layout, colours);
 }
 
@@ -178,7 +178,7 @@ bool readPlayItem(PlayItem& item, xmlNode* node) noexcept {
 
 void writePlayItems(xmlNode* parent, const PlayItem* items, int32_t count, File file) noexcept {
     const FileLayouts& layouts = file == File::Project ? kProject : kMediaList;
-    for (int i = 0; i < itemCount(items, count); ++i) {
+    for (int i = 0; i < kel::countWithin(items, count); ++i) {
         const PlayItem& item = items[i];
         xmlNode* node = addElement(parent, "playitem");
         writeAttrs(node, item, kPlayItem);
@@ -206,7 +206,7 @@ bool readAddOns(xmlNode* node, AddOnsList& list) noexcept {
 }
 
 void writeAddOns(xmlNode* node, const AddOnsList& list) noexcept {
-    for (int i = 0; i < addOnCount(list); ++i) {
+    for (int i = 0; i < kel::countWithin(list.count, kAddOnSlots); ++i) {
         xmlNode* item = addElement(node, "addonsItem");
         if (list.href[i] && *list.href[i]) setAttr(item, "href", list.href[i]);
     }

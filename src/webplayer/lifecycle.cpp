@@ -7,12 +7,12 @@
 namespace kel::webplayer {
 
 void releaseAddOns(AddOnsList& list) noexcept {
-    for (int i = 0; i < addOnCount(list); ++i) std::free(list.href[i]);
+    for (int i = 0; i < kel::countWithin(list.count, kAddOnSlots); ++i) std::free(list.href[i]);
     std::memset(&list, 0, sizeof list);
 }
 
 void releasePlayItems(PlayItem*& items, int32_t& count) noexcept {
-    for (int i = 0; i < itemCount(items, count); ++i) {
+    for (int i = 0; i < kel::countWithin(items, count); ++i) {
         std::free(items[i].adverts);
         std::free(items[i].watermarks);
     }

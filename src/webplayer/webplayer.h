@@ -19,16 +19,6 @@ namespace kel::webplayer {
 constexpr const char* kRoot = "ZorvanWebPlayerPrj";
 constexpr int kAddOnSlots = 120;
 
-// Loop bounds taken from a record, kept inside its arrays: a negative count
-// counts as 0, an add-on count above 120 as 120, a missing array as empty.
-inline int addOnCount(const AddOnsList& list) noexcept {
-    return list.count < 0 ? 0 : list.count > kAddOnSlots ? kAddOnSlots : list.count;
-}
-template <class T>
-int itemCount(const T* items, int32_t count) noexcept {
-    return items && count > 0 ? count : 0;
-}
-
 // The eight elements of the root that hold one value each, in the order the
 // writer emits them: a fixed text field, a heap text or a number.
 struct TextElement {

@@ -33,7 +33,7 @@ int32_t saveWebPlayerXmlFile(const char* path, const KELProject* project) {
 int32_t saveMediaListXmlFile(const char* path, const MediaListData* data) {
     if (!data) return 1;
     kel::WriteDoc doc("playlist");
-    if (itemCount(data->globalWatermarks, data->globalWatermarkCount) > 0)
+    if (kel::countWithin(data->globalWatermarks, data->globalWatermarkCount) > 0)
         writeGlobalWatermarks(kel::addElement(doc.root(), "globalwatermark"),
                               data->globalWatermarks, data->globalWatermarkCount);
     writePlayItems(doc.root(), data->playItems, data->playItemCount, File::MediaList);
