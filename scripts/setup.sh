@@ -3,13 +3,15 @@
 # when it is missing. Runs as root, or through sudo.
 set -euo pipefail
 
-# nlohmann-json3-dev: the JSON output of kelprofile show --json.
-packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev nlohmann-json3-dev)
+# nlohmann-json3-dev: the JSON output of kelprofile show --json;
+# go-md2man: kelprofile's man page, made from its manual (docs/tool.md).
+packages=(cmake ninja-build g++ pkg-config binutils libxml2-dev nlohmann-json3-dev go-md2man)
 for option in "$@"; do
   case "$option" in
-    # GoogleTest, the DVD tools the authoring test drives, and the lxml the
-    # benchmark compares with.
-    --tests) packages+=(libgtest-dev dvdauthor ffmpeg python3-lxml) ;;
+    # GoogleTest, the DVD tools the authoring test drives, the lxml the
+    # benchmark compares with, jq for the manual's examples, and groff to
+    # render the man page.
+    --tests) packages+=(libgtest-dev dvdauthor ffmpeg python3-lxml jq groff-base) ;;
     # clang with libFuzzer and the sanitizer runtimes, for scripts/fuzz.sh.
     --fuzz) packages+=(clang libclang-rt-14-dev) ;;
     # LLVM's tools read the Mach-O files of the macOS cross-build

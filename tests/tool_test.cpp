@@ -16,13 +16,13 @@ const std::string kSource = KELPROFILE_SOURCE_DIR;
 // that holds links "examples" and "data" (tests/data), with kelprofile first
 // on the PATH; the folder's own path is shown as SCRATCH. Gives the session
 // as the commands make it now.
-std::string runSession(const std::string& file) {
+std::string runSession(const std::string& session) {
     TempDir dir;
     fs::create_directory_symlink(kSource + "/examples", dir.path() / "examples");
     fs::create_directory_symlink(kSource + "/tests/data", dir.path() / "data");
     const std::string prefix = "cd '" + dir.path().string() + "' && PATH='" +
                                fs::path(KELPROFILE_TOOL).parent_path().string() + "':$PATH && ";
-    std::istringstream in(readFile(file));
+    std::istringstream in(session);
     std::string got, command;
     auto run = [&]() {
         if (command.empty()) return;
@@ -55,7 +55,7 @@ TEST(Sessions, EachCommandPrintsWhatItsSessionSays) {
     std::sort(names.begin(), names.end());
     EXPECT_GE(names.size(), 6u);
     for (const std::string& name : names) {
-        std::string got = runSession(kSource + "/tests/data/tool/" + name);
+        std::string got = runSession(readFile(kSource + "/tests/data/tool/" + name));
         EXPECT_EQ(got, golden("tool/" + name, got));
     }
     std::string out;
@@ -82,6 +82,43 @@ TEST(Examples, LintFindsNothingAndShowPrintsEveryField) {
         for (std::size_t at; (at = text.find(examples)) != std::string::npos;)
             text.replace(at, examples.size(), "examples");
         EXPECT_EQ(text, golden(std::string("tool/show-examples.") + form, text));
+    }
+}
+
+// A page's console blocks (```console) are sessions without their indent:
+// "$ " a command, "> " lines going on with it, what it printed, and "[N]"
+// for a status other than 0. Each block runs as a session of its own, and
+// the page must show what the commands print now (KELPROFILE_REGENERATE=1
+// rewrites the blocks in the page instead).
+TEST(Documentation, EveryConsoleBlockRunsAsShown) {
+    for (const char* page : {"README.md", "docs/tool.md"}) {
+        std::string text = readFile(kSource + "/" + page), regenerated;
+        std::istringstream in(text);
+        std::string session, line;
+        bool inBlock = false;
+        int blocks = 0;
+        while (std::getline(in, line)) {
+            if (inBlock && line == "```") {
+                std::string got = runSession(session), shown;
+                EXPECT_EQ(got, session) << page;
+                std::istringstream lines(got);
+                for (std::string l; std::getline(lines, l);) shown += l.substr(2) + '\n';
+                regenerated += shown;
+                inBlock = false;
+                ++blocks;
+            } else if (inBlock) {
+                session += "  " + line + '\n';
+                continue;
+            } else if (line == "```console") {
+                inBlock = true;
+                session.clear();
+            }
+            regenerated += line + '\n';
+        }
+        EXPECT_GE(blocks, 1) << page;
+        const char* regenerate = std::getenv("KELPROFILE_REGENERATE");
+        if (regenerate && std::string(regenerate) == "1")
+            writeFile(kSource + "/" + page, regenerated);
     }
 }
 
