@@ -200,19 +200,21 @@ KELPROFILE_API int32_t saveXmlFile(const char* path, const Profile* record);
  * from GBK, as saveXmlFile writes "Format". */
 KELPROFILE_API int32_t megXmlFile(const char* path, const Profile* settings, const Profile* texts);
 /* Releases everything *record owns: its heap texts, items and list
- * entries. The record itself stays the caller's; its pointers are stale
- * afterwards. A null record does nothing.
- * Choices: counts outside their range are taken as 0 (negative) or 10
- * (languages above ten). */
+ * entries.
+ * Ownership: the record itself stays the caller's; its pointers are stale
+ * afterwards.
+ * Choices: a null record does nothing. Counts outside their range are
+ * taken as 0 (negative) or 10 (languages above ten). */
 KELPROFILE_API void freeProfile(Profile* record);
-/* freeProfile on the profile the heap cell points to, then free(cell).
- * A null cell does nothing. */
+/* Calls freeProfile on the profile the heap cell points to, then
+ * free(cell).
+ * Choices: a null cell does nothing. */
 KELPROFILE_API void freePtrProfile(Profile** cell);
-/* Deep-copies *source into *target, which is cleared first (what it held
- * is not released). Every owner pointer of the copy points into the copy,
- * and an item's list array has room for exactly listEntryCount entries.
- * Ownership: the copy owns its own texts and arrays, released with
- * freeProfile.
+/* Deep-copies *source into *target, which is cleared first.
+ * Ownership: what *target held is not released. The copy owns its own
+ * texts and arrays, released with freeProfile; every owner pointer of the
+ * copy points into the copy, and an item's list array has room for
+ * exactly listEntryCount entries.
  * Choices: counts are bounded as by freeProfile; when an allocation fails
  * the target is left cleared; a null source gives a cleared target. */
 KELPROFILE_API void copyProfile(Profile* target, const Profile* source);
@@ -303,39 +305,43 @@ typedef struct Customize {
 
 /* Reads the customization file at path into *record: "profileName" (GBK),
  * the five numbers of "swfTypeInfo", and under "swfOption" the player and
- * both kinds of adverts. Numbers read as kelAtoi reads them (absent gives
- * 0); text attributes stay UTF-8, element texts are converted to GBK, and an
- * element whose text does not convert is skipped with its attributes.
- * Over-long values are cut to their field on a character boundary. A later
- * "swfOption" replaces what an earlier one read.
+ * both kinds of adverts.
  * Result: 0 when the file has a root element (of any name); 1 for a null
  * record, a missing, malformed or rootless file, or an allocation failure,
  * each with the record cleared and nothing allocated.
  * Ownership: after a 0 the caller owns playOption, adOptions and
  * insertADOptions (null when the file has no "swfOption", a block of no
  * records for an advert kind it lacks) and releases them with
- * freeCustomize. What the record held before is not released. */
+ * freeCustomize. What the record held before is not released.
+ * Choices: numbers are read as kelAtoi reads them (absent gives 0); text
+ * attributes stay UTF-8, element texts are converted to GBK, and an
+ * element whose text does not convert is skipped with its attributes.
+ * Over-long values are cut to their field on a character boundary. A later
+ * "swfOption" replaces what an earlier one read. */
 KELPROFILE_API int32_t praseCustomizeXmlFile(const char* path, Customize* record);
 /* Writes *record as a customization file at path (root "root"), every
  * element and attribute always present, inserted adverts before clickable
- * ones. Element texts are converted from GBK; one that does not convert is
- * written as an empty element. "skinAutoHide" is written first on
- * "playOption", before "mouseAutoHide", so that it survives a save and a
- * reload. A record without a playOption block is written with a
- * "playOption" of zeros and empty skin paths.
+ * ones.
  * Result: 0 when saved; 1 for a null record, an advert count above 0 with a
  * null array, or a file that cannot be written.
- * Ownership: the record is only read; the caller keeps it. */
+ * Ownership: the record is only read; the caller keeps it.
+ * Choices: element texts are converted from GBK; one that does not convert
+ * is written as an empty element. "skinAutoHide" is written first on
+ * "playOption", before "mouseAutoHide", so that it survives a save and a
+ * reload. A record without a playOption block is written with a
+ * "playOption" of zeros and empty skin paths. */
 KELPROFILE_API int32_t saveCustomizeXmlFile(const char* path, const Customize* record);
 /* Releases the player block and the two advert arrays of *record (each only
- * when not null), not the record itself; a null record does nothing.
- * Result: none. Ownership: the three pointers and both counts are left as
- * they were and the pointers are stale: the caller clears the record
- * before it fills or releases it again. */
+ * when not null), not the record itself.
+ * Ownership: the three pointers and both counts are left as they were and
+ * the pointers are stale: the caller clears the record before it fills or
+ * releases it again.
+ * Choices: a null record does nothing. */
 KELPROFILE_API void freeCustomize(Customize* record);
-/* freeCustomize on the record *holder points to, then free(holder): the
- * heap holder is released, the record's own storage stays the caller's. A
- * null holder does nothing. Result: none. */
+/* Calls freeCustomize on the record *holder points to, then free(holder).
+ * Ownership: the heap holder is released, the record's own storage stays
+ * the caller's.
+ * Choices: a null holder does nothing. */
 KELPROFILE_API void freePtrCustomize(Customize** holder);
 
 /* ------------------------------------------------------------------------
@@ -433,58 +439,67 @@ typedef struct MediaListData {
     int32_t playItemCount;           /* number of play items */
 } MediaListData;
 
-/* Allocates a cleared project (empty texts, null pointers, counts 0).
- * out: where the new record's address is stored; may be null, and then
- * the address is only returned. Result: the new record, which the caller
- * owns and releases with freeKELProject; when the allocation fails, null
- * is stored and returned. */
+/* Allocates a cleared project (empty texts, null pointers, counts 0) and
+ * stores the new record's address in *out.
+ * Result: the new record; when the allocation fails, null is stored and
+ * returned.
+ * Ownership: the caller owns the new record and releases it with
+ * freeKELProject.
+ * Choices: out may be null, and then the address is only returned. */
 KELPROFILE_API KELProject* createKELProject(KELProject** out);
 /* Releases a project and everything it owns: each play item's adverts and
  * watermarks, the play list, the add-on slots below addOns.count, the
- * three heap texts, then the record; last, *project is set to null, so a
- * second call does nothing. project: the host's pointer; null, or a null
- * *project, does nothing. A negative count is taken as 0 and an add-on
- * count above 120 as 120; a null array with a count is taken as empty.
- * Slots at or past addOns.count are never freed. */
+ * three heap texts, then the record.
+ * Ownership: project is the host's pointer; last, *project is set to null,
+ * so a second call does nothing. Slots at or past addOns.count are never
+ * freed.
+ * Choices: a null project, or a null *project, does nothing. A negative
+ * count is taken as 0 and an add-on count above 120 as 120; a null array
+ * with a count is taken as empty. */
 KELPROFILE_API void freeKELProject(KELProject** project);
-/* Reads a web-player project file (root "ZorvanWebPlayerPrj", the name
- * compared case-sensitively) into the record. path: the file; project: a
- * record the caller allocated, cleared first, whatever it held before
- * left unreleased. Result: 0 read; 1 when the file is missing, malformed,
- * has no root or a root of another name, or when an allocation fails: the
- * record is then cleared and nothing read stays allocated. Afterwards the
- * record owns what was read (release with freeKELProject); text is UTF-8
- * as in the file.
- * Values longer than their field are cut to it (width - 1 bytes, never
- * inside a UTF-8 character); "option", "publishDomain", "publishPath" and
- * each "href" keep at most 1023 bytes, and an empty one is stored as null.
- * "addonsItem" elements after the 120th are ignored. A second "playlist"
- * replaces the first, which is released; a second "addonsList" releases
- * the earlier slots and fills the slots again from slot 0. Numbers, and
- * "fontcolor" too, are read as atoi reads them (so "0xff" gives 0). */
+/* Reads the web-player project file at path (root "ZorvanWebPlayerPrj",
+ * the name compared case-sensitively) into *project, a record the caller
+ * allocated, which is cleared first.
+ * Result: 0 read; 1 when the file is missing, malformed, has no root or a
+ * root of another name, or when an allocation fails: the record is then
+ * cleared and nothing read stays allocated.
+ * Ownership: whatever the record held before is left unreleased.
+ * Afterwards the record owns what was read (release with freeKELProject).
+ * Choices: text is UTF-8 as in the file. Values longer than their field
+ * are cut to it (width - 1 bytes, never inside a UTF-8 character);
+ * "option", "publishDomain", "publishPath" and each "href" keep at most
+ * 1023 bytes, and an empty one is stored as null. "addonsItem" elements
+ * after the 120th are ignored. A second "playlist" replaces the first,
+ * which is released; a second "addonsList" releases the earlier slots and
+ * fills the slots again from slot 0. Numbers, and "fontcolor" too, are
+ * read as atoi reads them (so "0xff" gives 0). */
 KELPROFILE_API int32_t openWebPlayerXmlFile(const char* path, KELProject* project);
-/* Writes the project as a project file: "playlist", "addonsList", then the
- * eight text elements; each advert and watermark carries the attributes
- * its videotype selects ("sound" for "flv" and "swf", the SWF size for
- * "swf", the four font attributes for "text", "fontcolor" in decimal).
- * path: the file; project: only read. Result: 0 written, 1 when project
- * is null or the file cannot be saved. Fixed text fields are read no
- * further than their width; counts and arrays are bounded as by
- * freeKELProject. The caller keeps ownership of the record. */
+/* Writes *project as a project file at path: "playlist", "addonsList",
+ * then the eight text elements; each advert and watermark carries the
+ * attributes its videotype selects ("sound" for "flv" and "swf", the SWF
+ * size for "swf", the four font attributes for "text", "fontcolor" in
+ * decimal).
+ * Result: 0 written, 1 when project is null or the file cannot be saved.
+ * Ownership: project is only read; the caller keeps ownership of the
+ * record.
+ * Choices: fixed text fields are read no further than their width; counts
+ * and arrays are bounded as by freeKELProject. */
 KELPROFILE_API int32_t saveWebPlayerXmlFile(const char* path, const KELProject* project);
-/* Writes the published player's media list (root "playlist"): a
+/* Writes the published player's media list at path (root "playlist"): a
  * "globalwatermark" of the global watermarks, present only when there are
- * any, then one "playitem" per play item. Adverts and watermarks carry no
- * "caption", global watermarks neither "position" nor "duration", and
- * "fontcolor" is written "0x%x" (a negative value gives all eight digits).
- * path: the file; data: only read, owns nothing. Result: 0 written, 1 when
- * data is null or the file cannot be saved. Counts and arrays are bounded
- * as by freeKELProject. */
+ * any, then one "playitem" per play item; adverts and watermarks carry no
+ * "caption", global watermarks neither "position" nor "duration".
+ * Result: 0 written, 1 when data is null or the file cannot be saved.
+ * Ownership: data is only read and owns nothing.
+ * Choices: "fontcolor" is written "0x%x" (a negative value gives all eight
+ * digits). Counts and arrays are bounded as by freeKELProject. */
 KELPROFILE_API int32_t saveMediaListXmlFile(const char* path, const MediaListData* data);
-/* Writes the published player's add-ons list (root "addonsList"): one
- * "addonsItem" per slot below count, with "href" only for a non-empty
- * address. path: the file; list: only read (count taken as 0 to 120).
- * Result: 0 written, 1 when list is null or the file cannot be saved. */
+/* Writes the published player's add-ons list at path (root "addonsList"):
+ * one "addonsItem" per slot below count, with "href" only for a non-empty
+ * address.
+ * Result: 0 written, 1 when list is null or the file cannot be saved.
+ * Ownership: list is only read.
+ * Choices: count is taken as 0 to 120. */
 KELPROFILE_API int32_t saveAddOnsListXmlFile(const char* path, const AddOnsList* list);
 
 /* ------------------------------------------------------------------------
@@ -638,37 +653,41 @@ typedef struct ProductInfo {
     char linkURl[256];    /* link the button opens (GBK) */
 } ProductInfo;
 
-/* Allocates an empty group (null items, count 0).
- * out: where the new group is also stored; may be null.
+/* Allocates an empty group (null items, count 0) and also stores it in
+ * *out.
  * Result: the group, or null when it cannot be allocated (null is then
- * stored too). The caller owns the group and releases it with
- * freeGroupOPtion. */
+ * stored too).
+ * Ownership: the caller owns the group and releases it with
+ * freeGroupOPtion.
+ * Choices: out may be null. */
 KELPROFILE_API GroupOPtion* createGroupOPtion(GroupOPtion** out);
-/* Reads an option group file into the group: one OptionItem per
+/* Reads the option group file at path into *group: one OptionItem per
  * "optionItem" child of the root (whatever the root's name), one
  * ChildOptionItem per "childOptionItem" of an item, in file order.
- * path: the file; group: a group from createGroupOPtion, or one that is
- * zero-filled or filled by an earlier read.
  * Result: 0 read; 1 when group or path is null, the file is missing or not
  * well-formed, it has no root element, or an allocation failed; after a 1
  * the group holds null and 0 and owns nothing.
- * Items the group held before are released first, with their texts and
- * child arrays: unlike the other readers, whose records the caller can
- * release on their own, nothing else can release a group's items without
- * releasing the group, so a second read into a group leaks nothing.
- * Names longer than 255 bytes are cut on a whole UTF-8 character; texts
- * are GBK heap copies of at most 1023 bytes (cut on a whole character),
- * null for an empty text; a text without a GBK form is kept as the file's
- * UTF-8; a repeated "Values", "DefaultValue" or "Description" replaces the
- * earlier one. Unknown or absent type words give 0, an absent "readyOnly"
- * gives 0. Everything read belongs to the group until freeGroupOPtion. */
+ * Ownership: group is one from createGroupOPtion, or one that is
+ * zero-filled or filled by an earlier read. Items the group held before
+ * are released first, with their texts and child arrays: unlike the other
+ * readers, whose records the caller can release on their own, nothing
+ * else can release a group's items without releasing the group, so a
+ * second read into a group leaks nothing. Everything read belongs to the
+ * group until freeGroupOPtion.
+ * Choices: names longer than 255 bytes are cut on a whole UTF-8 character;
+ * texts are GBK heap copies of at most 1023 bytes (cut on a whole
+ * character), null for an empty text; a text without a GBK form is kept
+ * as the file's UTF-8; a repeated "Values", "DefaultValue" or
+ * "Description" replaces the earlier one. Unknown or absent type words
+ * give 0, an absent "readyOnly" gives 0. */
 KELPROFILE_API int32_t praseOPtionXmlFile(const char* path, GroupOPtion* group);
 /* Releases a group with everything a read put into it: every item's
  * description and child array, every child's values, default value and
  * description, then the items, then the group itself.
- * group: the caller's pointer to the group; set to null afterwards, so a
- * second call does nothing (as does a null group or *group). Negative
- * counts are taken as 0. */
+ * Ownership: group is the caller's pointer to the group, set to null
+ * afterwards, so a second call does nothing.
+ * Choices: a null group or *group does nothing. Negative counts are taken
+ * as 0. */
 KELPROFILE_API void freeGroupOPtion(GroupOPtion** group);
 /* Reads the temporary option file at path into *record.
  * Result: 0 read; 1 on a null record, a file that cannot be read or an
@@ -685,18 +704,20 @@ KELPROFILE_API int32_t praseOptionXmlFile(const char* path, TempOption* record);
  * Choices: a value that is not valid GBK is written as an empty
  * "optionItem". */
 KELPROFILE_API int32_t saveOptionXmlFile(const char* path, const TempOption* record);
-/* Reads a product information file: one ProductInfo per "product" child
- * of the root (whatever the root's name), in file order, each filled from
- * its "title", "content", "buttonName" and "linkURl" texts (GBK; a text
- * without a GBK form is kept as the file's UTF-8; texts too long for their
- * field are cut on a whole character; an empty text leaves its field as it
- * was, so a later empty element does not clear an earlier one).
- * path: the file; result: receives the block of records and their count.
+/* Reads the product information file at path into *result, which
+ * receives the block of records and their count: one ProductInfo per
+ * "product" child of the root (whatever the root's name), in file order,
+ * each filled from its "title", "content", "buttonName" and "linkURl"
+ * texts.
  * Result: 0 read (count may be 0); 1 when result or path is null, the file
  * is missing or not well-formed, it has no root element, or the block
  * cannot be allocated; after a 1 records is null and count 0.
- * The caller owns the block and releases it with free; the records own
- * nothing. */
+ * Ownership: the caller owns the block and releases it with free; the
+ * records own nothing.
+ * Choices: texts are GBK; a text without a GBK form is kept as the file's
+ * UTF-8; texts too long for their field are cut on a whole character; an
+ * empty text leaves its field as it was, so a later empty element does not
+ * clear an earlier one. */
 KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result);
 
 #ifdef __cplusplus
@@ -721,27 +742,35 @@ KELPROFILE_API int32_t praseProductXmlFile(const char* path, RecordArray* result
  * the same rules. */
 KELPROFILE_API int covert(char* tocode, char* fromcode, const char* in, unsigned long inlen,
                           char* out, unsigned long outlen);
-/* Both convert src from UTF-8 to GBK into dst (1024 bytes), and keep a
- * copy of src when it does not convert; their names are historical.
+/* Both convert src from UTF-8 to GBK into dst (1024 bytes); their names
+ * are historical.
  * Result: dst, or null for a null src.
- * Choices: a copied source longer than 1023 bytes is cut to 1023. */
+ * Choices: when src does not convert, dst keeps a copy of it; a copied
+ * source longer than 1023 bytes is cut to 1023. */
 KELPROFILE_API char* GBKtoUTF(char* src, char* dst);
 KELPROFILE_API char* UTFtoGBK(char* src, char* dst);
 
-/* atoi of text; a null or empty text gives 0. */
+/* Reads the number in text as atoi does.
+ * Result: that number.
+ * Choices: a null or empty text gives 0. */
 KELPROFILE_API int kelAtoi(char* text);
-/* A heap copy of text that the caller frees; null for a null or empty
- * text. */
+/* Makes a heap copy of text.
+ * Result: the copy.
+ * Ownership: the caller frees the copy.
+ * Choices: a null or empty text gives null. */
 KELPROFILE_API char* kelStrdup(char* text);
-/* strcpy of src into dst when both are given and src is not empty; dst
- * must hold src. */
+/* Copies src into dst with strcpy; dst must hold src.
+ * Choices: the copy is made only when both are given and src is not
+ * empty. */
 KELPROFILE_API void kelStrcpy(char* dst, const char* src);
-/* strlen of text; a null text has length 0. */
+/* Measures text as strlen does.
+ * Result: the length of text.
+ * Choices: a null text has length 0. */
 KELPROFILE_API unsigned long kelStrlen(char* text);
-/* Writes value in radix 2 to 36 into buffer (room for 34 bytes suffices)
- * and returns buffer; an unknown radix gives "".
- * Choices: the smallest int is written with its full magnitude,
- * -2147483648. */
+/* Writes value in radix 2 to 36 into buffer (room for 34 bytes suffices).
+ * Result: buffer.
+ * Choices: an unknown radix gives ""; the smallest int is written with its
+ * full magnitude, -2147483648. */
 KELPROFILE_API char* itoa(int value, char* buffer, int radix);
 /* Reverses the bytes from first to last, both included, in place.
  * Choices: nothing happens when either pointer is null. */
@@ -752,45 +781,56 @@ KELPROFILE_API void strreverse(char* first, char* last);
  * terminator; a size of 0 or less leaves the output unbounded, as callers
  * that pass _countof(buffer) expect. */
 KELPROFILE_API int _snprintf_s(char* buffer, int size, int count, const char* format, ...);
-/* Always 0: the size of an array is not known from a pointer. */
+/* Gives no array size: the size of an array is not known from a pointer.
+ * Result: always 0. */
 KELPROFILE_API int _countof(char* text);
-/* free(pointer) when pointer is not null. */
+/* Releases pointer with free.
+ * Choices: free is called only when pointer is not null. */
 KELPROFILE_API void saveFree(void* pointer);
-/* The number of child nodes of node, of every kind.
+/* Counts the child nodes of node, of every kind.
+ * Result: the number of child nodes.
  * Choices: a null node has 0 children. */
 KELPROFILE_API int getChildCount(xmlNode* node);
 
-/* Display type code of a "displayType" word: "list" 20, "input" 21,
- * "checkbox" 22, "chooseFile" 23, "chooseColor" 24; anything else or null
- * gives 0. findDisplayStr gives the word of a code, "" for an unknown one. */
+/* Translate between "displayType" words and display type codes:
+ * findDisplayType gives the code of a word, findDisplayStr the word of a
+ * code.
+ * Result: "list" 20, "input" 21, "checkbox" 22, "chooseFile" 23,
+ * "chooseColor" 24.
+ * Choices: any other word, or null, gives 0; an unknown code gives "". */
 KELPROFILE_API int findDisplayType(char* text);
 KELPROFILE_API const char* findDisplayStr(int code);
-/* Value type code of a "valueType" word: "int" 1, "string" 2, "double" 3;
- * anything else or null gives 0. The int overload gives the word of a
- * code, "" for an unknown one. */
+/* Translate between "valueType" words and value type codes: the text
+ * overload gives the code of a word, the int overload the word of a code.
+ * Result: "int" 1, "string" 2, "double" 3.
+ * Choices: any other word, or null, gives 0; an unknown code gives "". */
 KELPROFILE_API int findValueType(char* text);
 KELPROFILE_API const char* findValueType(int code);
 
-/* The slot of a language name in table (count names in use), appending a
- * heap copy of the name when it is new; the table owns the copies.
+/* Finds the slot of a language name in table (count names in use),
+ * appending a heap copy of the name when it is new.
  * Result: the slot, 0 for a null name.
+ * Ownership: the table owns the copies.
  * Choices: a name met when the table already holds 10 names is not added;
  * it gets the slot -1, which the reader treats as "drop this text" (so
  * does a name whose copy cannot be allocated). */
 KELPROFILE_API int getLangIndex(int& count, char** table, const char* name);
 
-/* Whether the entry of folder is a directory, following symbolic links.
+/* Tells whether the entry of folder is a directory, following symbolic
+ * links.
+ * Result: true for a directory, false otherwise.
  * Choices: an entry whose status cannot be taken (gone, a dangling or
  * looping link, no permission) is not a directory; nothing is printed and
- * the process goes on. A folder and name that do not join
- * within 1023 bytes are not a directory (no status is taken). On 32-bit
- * glibc the library is built with _FILE_OFFSET_BITS=64 and entry is that
- * build's struct dirent; its CMake package and pkg-config file pass the same
+ * the process goes on. A folder and name that do not join within 1023
+ * bytes are not a directory (no status is taken). On 32-bit glibc the
+ * library is built with _FILE_OFFSET_BITS=64 and entry is that build's
+ * struct dirent; its CMake package and pkg-config file pass the same
  * definition to its users. */
 KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
 /* Appends the paths of the ".xml" and ".XML" files below folder to names
  * and counts them in *count: the folder's own files first, then each
- * subfolder in turn. Result: always 0.
+ * subfolder in turn.
+ * Result: always 0.
  * Ownership: each name is a heap string the caller frees.
  * Choices: at most 512 entries in all; paths that do not fit 511 bytes are
  * skipped. Deliberately unlike the historical library, which ended the
@@ -805,9 +845,10 @@ KELPROFILE_API bool isDir(const char* folder, const struct dirent* entry);
  * heap, so a tree of any depth takes the same stack of the calling thread
  * (a secondary thread's 512 KiB suffice). */
 KELPROFILE_API int getXMLName(char* folder, int* count, char** names);
-/* Folder loaders: every XML file below folder read into one block of
- * records (Profile, DVDMenu, TempOption) with the family's reader; only
- * files that read count, without gaps. Result: always 0.
+/* Folder loaders: each reads every XML file below folder into one block
+ * of records (Profile, DVDMenu, TempOption) with the family's reader; only
+ * files that read count, without gaps.
+ * Result: always 0.
  * Ownership: result->records is one heap block the caller frees after
  * releasing each record as its family does.
  * Choices: when the block cannot be allocated, records is null and count
@@ -819,19 +860,20 @@ KELPROFILE_API int praseDVDXMLFolder(const char* folder, RecordArray* result);
 KELPROFILE_API int praseOPtionXMLFolder(const char* folder, RecordArray* result);
 
 /* Copies into out the text of the element that a dotted path of one or two
- * names below the root (Main.Name) names, first match of each name; out
- * is left alone when there is none.
+ * names below the root (Main.Name) names, first match of each name.
  * Result: 0 when the file was read (found or not); 1 when it cannot be.
- * Choices: a path of more than 5 components or with a component over 511
- * bytes finds nothing. The value is copied whole: out must be large
- * enough. Prefer the bounded overload below. */
+ * Choices: out is left alone when there is no match. A path of more than
+ * 5 components or with a component over 511 bytes finds nothing. The
+ * value is copied whole: out must be large enough. Prefer the bounded
+ * overload below. */
 KELPROFILE_API int getXmlValue(const char* file, const char* path, char* out);
 /* As the three-argument getXmlValue, bounded: copies at most size - 1
  * bytes of the value into out and a terminator (never cutting a UTF-8
- * character); out is "" when there is no value.
+ * character).
  * Result: the value's full length in bytes, as snprintf gives it (a result
  * of size or more means the value was cut); -1 when the file cannot be
- * read; -2 when the path names no element. */
+ * read; -2 when the path names no element.
+ * Choices: out is "" when there is no value. */
 KELPROFILE_API long getXmlValue(const char* file, const char* path, char* out, unsigned long size);
 /* Replaces the text of the element a dotted path names with value and
  * rewrites the file as parsed (unindented), whether or not an element was
