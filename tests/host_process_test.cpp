@@ -154,6 +154,10 @@ TEST(HostProcess, ATargetAtTheTopOfItsOwnMountSaves) {
 
 // ---- parsing that no thread's libxml2 defaults can widen -------------------
 
+std::string text(const char* s) {
+    return s ? s : "";
+}
+
 // Files whose text names a local file through an external entity, an entity
 // a parameter entity declares and one the external DTD declares: what a
 // read makes of each, on a thread whose defaults substitute entities, load
@@ -174,83 +178,65 @@ protected:
     // of the record, or the record's own bytes and texts.
     std::vector<std::string> everyRead(const std::string& tag) {
         const std::string t = "T&x;&peLeak;&dtdLeak;";
-        auto file = [&](const std::string& name, const std::string& body) {
+        auto in = [&](const std::string& name, const std::string& body) {
             return writeFile(dir.file(tag + name), prolog + body);
         };
-        auto out = dir.file(tag + "out.xml");
-        std::vector<std::string> got;
-        {
-            Profile r{};
-            int rc = praseXmlFile(file("p.xml", "<Profiles><Main><Name>" + t + "</Name><Desc>" + t +
-                                                    "</Desc></Main></Profiles>")
-                                      .c_str(),
-                                  &r);
-            got.push_back(std::to_string(rc + saveXmlFile(out.c_str(), &r)) + readFile(out));
-            freeProfile(&r);
-        }
-        {
-            Customize r{};
-            int rc = praseCustomizeXmlFile(
-                file("c.xml", "<root><profileName>" + t + "</profileName></root>").c_str(), &r);
-            got.push_back(std::to_string(rc + saveCustomizeXmlFile(out.c_str(), &r)) +
-                          readFile(out));
-            freeCustomize(&r);
-        }
-        {
-            KELProject* r = createKELProject(nullptr);
-            int rc = openWebPlayerXmlFile(
-                file("w.xml", "<ZorvanWebPlayerPrj><option>" + t + "</option><playskin>" + t +
-                                  "</playskin></ZorvanWebPlayerPrj>")
-                    .c_str(),
-                r);
-            got.push_back(std::to_string(rc + saveWebPlayerXmlFile(out.c_str(), r)) +
-                          readFile(out));
-            freeKELProject(&r);
-        }
-        {
-            TempOption r{};
-            int rc =
-                praseOptionXmlFile(file("t.xml", "<tempOption><optionItem name=\"profileName\">" +
-                                                     t + "</optionItem><optionItem name=\"a\">" +
-                                                     t + "</optionItem></tempOption>")
-                                       .c_str(),
-                                   &r);
-            got.push_back(std::to_string(rc + saveOptionXmlFile(out.c_str(), &r)) + readFile(out));
-            std::free(r.tempItems);
-        }
-        {
-            DVDMenu r{};
-            int rc = praseDVDMenuXmlFile(
-                file("d.xml", "<m><thumbnailName>" + t + "</thumbnailName></m>").c_str(), &r);
-            got.push_back(std::to_string(rc) + std::string(reinterpret_cast<char*>(&r), sizeof r));
-        }
-        {
-            GroupOPtion* r = createGroupOPtion(nullptr);
-            int rc = praseOPtionXmlFile(
-                file("g.xml", "<groupOption><optionItem name=\"o\"><Description>" + t +
-                                  "</Description></optionItem></groupOption>")
-                    .c_str(),
-                r);
-            const char* description = r->optionItemCount ? r->optionItems[0].description : "";
-            got.push_back(std::to_string(rc) + (description ? description : ""));
-            freeGroupOPtion(&r);
-        }
-        {
-            RecordArray r{};
-            int rc = praseProductXmlFile(
-                file("r.xml", "<products><product><title>" + t + "</title><content>" + t +
-                                  "</content></product></products>")
-                    .c_str(),
-                &r);
-            got.push_back(std::to_string(rc) + std::string(static_cast<char*>(r.records),
-                                                           r.count * sizeof(ProductInfo)));
-            std::free(r.records);
-        }
-        std::string v = file("v.xml", "<r><Main><Name>" + t + "</Name><Other>o</Other></Main></r>");
+        const std::string out = dir.file(tag + "out.xml");
+        auto saved = [&](int rc) { return std::to_string(rc) + readFile(out); };
+        KELProject* project = createKELProject(nullptr);
+        GroupOPtion* group = createGroupOPtion(nullptr);
+        Profile profile{};
+        Customize customize{};
+        TempOption options{};
+        DVDMenu menu{};
+        RecordArray products{};
+        std::string v = in("v.xml", "<r><Main><Name>" + t + "</Name><Other>o</Other></Main></r>");
         char value[256] = "";
-        long length = getXmlValue(v.c_str(), "Main.Name", value, sizeof value);
-        got.push_back(std::string(length < 0 ? "1" : "0") + value);
-        got.push_back(std::to_string(setXmlValue(v.c_str(), "Main.Other", "set")) + readFile(v));
+        std::vector<std::string> got = {
+            saved(praseXmlFile(in("p.xml", "<P><Main><Name>" + t + "</Name><Desc>" + t +
+                                               "</Desc></Main></P>")
+                                   .c_str(),
+                               &profile) +
+                  saveXmlFile(out.c_str(), &profile)),
+            saved(praseCustomizeXmlFile(
+                      in("c.xml", "<root><profileName>" + t + "</profileName></root>").c_str(),
+                      &customize) +
+                  saveCustomizeXmlFile(out.c_str(), &customize)),
+            saved(openWebPlayerXmlFile(
+                      in("w.xml", "<ZorvanWebPlayerPrj><option>" + t + "</option><playskin>" + t +
+                                      "</playskin></ZorvanWebPlayerPrj>")
+                          .c_str(),
+                      project) +
+                  saveWebPlayerXmlFile(out.c_str(), project)),
+            saved(praseOptionXmlFile(in("t.xml", "<tempOption><optionItem name=\"profileName\">" +
+                                                     t + "</optionItem></tempOption>")
+                                         .c_str(),
+                                     &options) +
+                  saveOptionXmlFile(out.c_str(), &options)),
+            std::to_string(praseDVDMenuXmlFile(
+                in("d.xml", "<m><thumbnailName>" + t + "</thumbnailName></m>").c_str(), &menu)) +
+                std::string(reinterpret_cast<char*>(&menu), sizeof menu),
+            std::to_string(
+                praseOPtionXmlFile(in("g.xml", "<groupOption><optionItem name=\"o\"><Description>" +
+                                                   t + "</Description></optionItem></groupOption>")
+                                       .c_str(),
+                                   group)) +
+                text(group->optionItemCount ? group->optionItems[0].description : nullptr),
+            std::to_string(praseProductXmlFile(
+                in("r.xml", "<products><product><title>" + t + "</title></product></products>")
+                    .c_str(),
+                &products)) +
+                std::string(static_cast<char*>(products.records),
+                            products.count * sizeof(ProductInfo)),
+            (getXmlValue(v.c_str(), "Main.Name", value, sizeof value) < 0 ? "1" : "0") +
+                std::string(value),
+            std::to_string(setXmlValue(v.c_str(), "Main.Other", "set")) + readFile(v)};
+        freeProfile(&profile);
+        freeCustomize(&customize);
+        freeKELProject(&project);
+        std::free(options.tempItems);
+        freeGroupOPtion(&group);
+        std::free(products.records);
         return got;
     }
 
