@@ -60,13 +60,17 @@ TEST(TextAccess, ContentAndAttributesAreLibxml2s) {
     doc.finish();
 }
 
-// What iconv gives for text, or "(fails)".
+// What iconv gives for text, with room for a terminator in a buffer of the
+// converter's size, or "(fails)".
 std::string iconvText(const char* to, const char* from, const std::string& in) {
     iconv_t cd = iconv_open(to, from);
     char out[kel::Converter::kSize];
-    int result = kel::convertWith(cd, in.c_str(), in.size(), out, sizeof out, true);
+    char* inPtr = const_cast<char*>(in.data());
+    char* outPtr = out;
+    std::size_t inLeft = in.size(), outLeft = sizeof out - 1;
+    std::size_t result = iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft);
     iconv_close(cd);
-    return result == 0 ? std::string(out) : std::string("(fails)");
+    return result == 0 ? std::string(out, outPtr) : std::string("(fails)");
 }
 
 TEST(TextAccess, AsciiConvertsAsIconvDoes) {

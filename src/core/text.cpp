@@ -115,31 +115,6 @@ int32_t parseInt(const char* text) noexcept {
     return (text && *text) ? std::atoi(text) : 0;
 }
 
-int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsigned long outlen,
-                bool zeroFill) noexcept {
-    // Start from the initial state, whatever an earlier failure left.
-    iconv(cd, nullptr, nullptr, nullptr, nullptr);
-    if (zeroFill) {
-        std::memset(out, 0, outlen);
-    } else if (outlen > 0) {
-        out[0] = 0;
-    }
-    char empty[] = "";
-    char* inPtr = in ? const_cast<char*>(in) : empty;
-    std::size_t inLeft = in ? inlen : 0;
-    char* outPtr = out;
-    std::size_t outLeft = outlen;
-    std::size_t result = iconv(cd, &inPtr, &inLeft, &outPtr, &outLeft);
-    if (!zeroFill && outLeft > 0) *outPtr = 0;
-    // A result that fills the whole buffer has no room for its terminator:
-    // it does not fit, and its last byte gives way to the terminator.
-    if (outLeft == 0) {
-        if (outlen > 0) out[outlen - 1] = 0;
-        return -1;
-    }
-    return result != 0 ? -1 : 0;
-}
-
 namespace {
 
 bool named(const char* name, const char* a, const char* b = nullptr) noexcept {
@@ -221,11 +196,6 @@ bool Conversion::runPair(const char* in, std::size_t inlen, char*& out,
 int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned long outlen,
                     bool zeroFill, Conversion* back, std::size_t* written) noexcept {
     if (!open()) return -1;
-    if (pair_ == Pair::Other) {
-        int result = convertWith(cd_, in, inlen, out, outlen, zeroFill);
-        if (written) *written = outlen > 0 ? std::strlen(out) : 0;
-        return result;
-    }
     // Start from the initial state, whatever an earlier failure left.
     iconv(cd_, nullptr, nullptr, nullptr, nullptr);
     if (zeroFill) std::memset(out, 0, outlen);
@@ -233,9 +203,12 @@ int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned lon
     // A result that fills the whole buffer has no room for its terminator:
     // it does not fit.
     if (outlen == 0) return -1;
+    const char* text = in ? in : "";
+    std::size_t len = in ? inlen : 0;
     char* end = out;
     std::size_t room = outlen - 1;
-    bool ok = runPair(in ? in : "", in ? inlen : 0, end, room);
+    bool ok = pair_ == Pair::Other ? convertRun(cd_, text, len, end, room)
+                                   : runPair(text, len, end, room);
     *end = 0;
     std::size_t length = static_cast<std::size_t>(end - out);
     if (written) *written = length;

@@ -78,15 +78,6 @@ struct Decimal {
 
 // ---- code pages ------------------------------------------------------------
 
-// Converts inlen bytes of in into out (outlen bytes) with an open
-// descriptor. 0 on success; -1 when the input is invalid or cut short, when
-// anything was converted irreversibly, or when the result leaves no room
-// for its terminator. The result, whole or partial, is terminated: by
-// zeroing all of out first when zeroFill is set (what covert promises its
-// callers), else by one terminator after it.
-int convertWith(iconv_t cd, const char* in, unsigned long inlen, char* out, unsigned long outlen,
-                bool zeroFill) noexcept;
-
 // A conversion direction whose descriptor is opened at its first use and
 // kept for the rest of one read or write, so that a file with thousands of
 // texts does not open and close a descriptor for each of them.
@@ -107,11 +98,13 @@ public:
     Conversion(const Conversion&) = delete;
     Conversion& operator=(const Conversion&) = delete;
     // As covert: 0, or -1 when the descriptor cannot be opened (out is then
-    // left alone) or the conversion fails. The result, whole or partial, is
-    // terminated: by zeroing all of out first when zeroFill is set, else by
-    // one terminator after it; written, when given, takes its length. A
-    // UTF-8 to GBK conversion is checked by converting its result back with
-    // back, the opposite direction.
+    // left alone), the input is invalid or cut short, anything was replaced
+    // or converted irreversibly, or the result leaves no room for its
+    // terminator. The result, whole or partial (up to the last character
+    // that fits), is terminated: by zeroing all of out first when zeroFill
+    // is set, else by one terminator after it; written, when given, takes
+    // its length. A UTF-8 to GBK conversion is checked by converting its
+    // result back with back, the opposite direction.
     int run(const char* in, unsigned long inlen, char* out, unsigned long outlen,
             bool zeroFill = false, Conversion* back = nullptr,
             std::size_t* written = nullptr) noexcept;
