@@ -3,7 +3,9 @@
 // library reads back.
 #include <sstream>
 
-#include "../tools/kelprofile/tool.h"
+#include "../tools/kelprofile/commands.h"
+#include "../tools/kelprofile/printer.h"
+#include "../tools/kelprofile/xml.h"
 #include "support.h"
 
 KELFUZZ_TARGET(json_write) {

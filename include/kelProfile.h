@@ -101,6 +101,20 @@ extern "C" {
 #endif
 
 /* ------------------------------------------------------------------------
+ * Capacities and bounds the records and the readers share
+ * ---------------------------------------------------------------------- */
+
+#define KELPROFILE_LANGUAGES 10           /* language slots of a profile's texts */
+#define KELPROFILE_LIST_ENTRIES 20        /* choices a reader makes room for per item */
+#define KELPROFILE_ADDONS 120             /* add-on addresses of a web-player project */
+#define KELPROFILE_HEAP_TEXT 1023         /* bytes of a heap text, its terminator apart */
+#define KELPROFILE_CONVERSION 1024        /* bytes of a converted text, terminator included */
+#define KELPROFILE_FOLDER_FILES 512       /* files one folder load reads */
+#define KELPROFILE_FOLDER_PATH 511        /* bytes of a path a folder load reads */
+#define KELPROFILE_FILE_BYTES 67108864L   /* largest file a reader reads (64 MB) */
+#define KELPROFILE_RECORD_BYTES 33554432L /* what one read may allocate (32 MB) */
+
+/* ------------------------------------------------------------------------
  * Shared types
  * ---------------------------------------------------------------------- */
 

@@ -8,6 +8,7 @@
 
 #include "core/memory.h"
 #include "core/tree.h"
+#include "kelProfile.h"
 
 namespace kel {
 
@@ -32,7 +33,8 @@ private:
 // the records of the read may allocate at most RecordBudget::kBytes.
 class ReadDoc {
 public:
-    static constexpr long long kMaxFileSize = 64LL << 20;
+    static constexpr long long kMaxFileSize = KELPROFILE_FILE_BYTES;
+    static_assert(RecordBudget::kBytes == KELPROFILE_RECORD_BYTES, "the header states the bound");
     static constexpr std::size_t kMaxExpansion = std::size_t{8} << 20;
     explicit ReadDoc(const char* path) noexcept;
     xmlNode* root() const noexcept { return root_; }

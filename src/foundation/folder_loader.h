@@ -11,8 +11,9 @@
 
 namespace kel {
 
-constexpr int kMaxFolderFiles = 512;         // names one scan collects
-constexpr std::size_t kMaxFolderPath = 512;  // a file path with its terminator
+constexpr int kMaxFolderFiles = KELPROFILE_FOLDER_FILES;  // names one scan collects
+// A file path with its terminator.
+constexpr std::size_t kMaxFolderPath = KELPROFILE_FOLDER_PATH + 1;
 
 // Reads every XML file below folder with Read into one zero-filled block of
 // Records. Only files that read advance the count, so a file that fails is

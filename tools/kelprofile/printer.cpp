@@ -1,9 +1,7 @@
-// The two forms of kelprofile show: "label: value" lines, and JSON for
-// scripts (nlohmann's JSON library does the escaping).
-#include <iostream>
-#include <nlohmann/json.hpp>
+// nlohmann's JSON library does the escaping of the JSON form.
+#include "printer.h"
 
-#include "tool.h"
+#include "record_text.h"
 
 namespace tool {
 
@@ -75,33 +73,31 @@ public:
     void type(const char* name, int32_t& field, const char* (*word)(int)) override {
         member(name) = typeText(field, word);
     }
-    void open(const char* name) override { push(member(name) = nlohmann::ordered_json::object()); }
+    void open(const char* name) override { push(member(name) = Json::object()); }
     void close() override { open_.pop_back(); }
     int list(const char* name, int count, int) override {
-        push(member(name) = nlohmann::ordered_json::array());
+        push(member(name) = Json::array());
         return count;
     }
-    void item(int index) override { push(at(index) = nlohmann::ordered_json::object()); }
+    void item(int index) override { push(at(index) = Json::object()); }
     void heapAt(int index, char*& field, Code code, bool) override { put(at(index), field, code); }
     void endList() override { open_.pop_back(); }
 
-    nlohmann::ordered_json take() { return std::move(record_); }
+    Json take() { return std::move(record_); }
 
 private:
-    nlohmann::ordered_json& member(const char* name) { return (*open_.back())[name]; }
-    nlohmann::ordered_json& at(int index) {
-        return (*open_.back())[static_cast<std::size_t>(index)];
-    }
-    void push(nlohmann::ordered_json& block) { open_.push_back(&block); }
-    static void put(nlohmann::ordered_json& to, const char* field, Code code) {
+    Json& member(const char* name) { return (*open_.back())[name]; }
+    Json& at(int index) { return (*open_.back())[static_cast<std::size_t>(index)]; }
+    void push(Json& block) { open_.push_back(&block); }
+    static void put(Json& to, const char* field, Code code) {
         if (field)
             to = shown(field, kHeapText, code);
         else
             to = nullptr;
     }
 
-    nlohmann::ordered_json record_ = nlohmann::ordered_json::object();
-    std::vector<nlohmann::ordered_json*> open_;
+    Json record_ = Json::object();
+    std::vector<Json*> open_;
 };
 
 }  // namespace
@@ -110,27 +106,11 @@ std::unique_ptr<Fields> textFields(std::ostream& out) {
     return std::make_unique<TextFields>(out);
 }
 
-int showJson(const std::vector<std::string>& paths) {
-    nlohmann::ordered_json all = nlohmann::ordered_json::array();
-    int status = kOk;
-    for (const std::string& path : paths) {
-        Parsed parsed = identify(path);
-        if (!parsed.family) {
-            std::cerr << parsed.error << '\n';
-            status = kFailed;
-            continue;
-        }
-        JsonFields record;
-        if (!parsed.family->show(path.c_str(), record)) {
-            std::cerr << path << ": error: the library cannot read it\n";
-            status = kFailed;
-            continue;
-        }
-        all.push_back({{"path", path}, {"family", parsed.family->name}, {"record", record.take()}});
-    }
-    // Record text is UTF-8 by now; a path that is not is shown with U+FFFD.
-    std::cout << all.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
-    return status;
+bool recordJson(const Family& family, const std::string& path, Json& record) {
+    JsonFields fields;
+    if (!family.show(path.c_str(), fields)) return false;
+    record = fields.take();
+    return true;
 }
 
 }  // namespace tool

@@ -1,14 +1,12 @@
-// Record text in the form kelprofile shows it and takes it back: UTF-8,
-// with the bytes that have no character of their field's code as \xNN.
+#include "record_text.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <vector>
 
 #include "kelProfile.h"
-#include "tool.h"
 
 namespace tool {
 
@@ -152,12 +150,6 @@ bool fromShown(const std::string& text, Code code, std::string& bytes, std::stri
         }
     }
     return true;
-}
-
-void* allocate(std::size_t count, std::size_t size) {
-    void* block = std::calloc(count ? count : 1, size);
-    if (!block) throw std::bad_alloc();
-    return block;
 }
 
 }  // namespace tool

@@ -7,14 +7,14 @@ text to write back.
   $ echo '<unknownRoot/>' > f/sub/other.xml && echo 'not looked at' > f/notes.txt
   $ kelprofile check f
   ok      f/good.xml (temporary options)
-  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "groupOption" (option groups), "products" (product information), "tempOption" (temporary options), "ZorvanWebPlayerPrj" (web-player projects), any root holding template elements such as "frames" (DVD menu template)
+  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "ZorvanWebPlayerPrj" (web-player projects), "tempOption" (temporary options), "groupOption" (option groups), "products" (product information), any root holding template elements such as "frames" (DVD menu template)
   2 files: 1 ok, 0 failed, 1 not recognised
   folder loaders (any well-formed file counts, whatever its root): praseXMLFolder 2, praseDVDXMLFolder 2, praseOPtionXMLFolder 2
   $ printf '<tempOption><optionItem name="a">\342\230\203</optionItem></tempOption>' > f/lossy.xml
   $ kelprofile check f
   ok      f/good.xml (temporary options)
   ok      f/lossy.xml (temporary options)
-  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "groupOption" (option groups), "products" (product information), "tempOption" (temporary options), "ZorvanWebPlayerPrj" (web-player projects), any root holding template elements such as "frames" (DVD menu template)
+  skip    f/sub/other.xml:1: error: root element "unknownRoot" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "ZorvanWebPlayerPrj" (web-player projects), "tempOption" (temporary options), "groupOption" (option groups), "products" (product information), any root holding template elements such as "frames" (DVD menu template)
   3 files: 2 ok, 0 failed, 1 not recognised
   folder loaders (any well-formed file counts, whatever its root): praseXMLFolder 3, praseDVDXMLFolder 3, praseOPtionXMLFolder 3
 

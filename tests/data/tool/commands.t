@@ -9,19 +9,19 @@ Exit statuses: 0 ok, 1 a file failed, 2 a usage error.
   kelprofile: unknown command 'frobnicate' (see kelprofile --help)
   [2]
   $ kelprofile show
-  kelprofile: show needs at least one FILE
+  kelprofile: show needs at least one FILE or DIR
   [2]
   $ kelprofile show /nonexistent/file.xml
   /nonexistent/file.xml: error: no such file
   [1]
   $ kelprofile check /nonexistent
-  kelprofile: /nonexistent: not a folder
+  /nonexistent: error: not a folder
   [1]
 
 Errors name their place as FILE:LINE:COLUMN: error: ..., lint's findings as
   $ kelprofile show /nonexistent/file.xml; kelprofile check /nonexistent
   /nonexistent/file.xml: error: no such file
-  kelprofile: /nonexistent: not a folder
+  /nonexistent: error: not a folder
   [1]
 
 Errors name their place the way compilers do: the parser's first complaint,
@@ -33,7 +33,7 @@ where it arose, not the end of the file.
   bad.xml:3:18: error: Opening and ending tag mismatch: Name line 3 and Nam
   [1]
   $ kelprofile show unknown.xml
-  unknown.xml:2: error: root element "foo" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "groupOption" (option groups), "products" (product information), "tempOption" (temporary options), "ZorvanWebPlayerPrj" (web-player projects), any root holding template elements such as "frames" (DVD menu template)
+  unknown.xml:2: error: root element "foo" is not one kelprofile knows; it knows "Profiles" (conversion profiles), "root" (customizations), "ZorvanWebPlayerPrj" (web-player projects), "tempOption" (temporary options), "groupOption" (option groups), "products" (product information), any root holding template elements such as "frames" (DVD menu template)
   [1]
   $ kelprofile lint bad.xml missing.xml
   bad.xml:3:18: error: Opening and ending tag mismatch: Name line 3 and Nam
@@ -48,7 +48,7 @@ the path finds no element.
   $ kelprofile set v.xml Main.Name 'A & B' && kelprofile get v.xml Main.Name
   A & B
   $ kelprofile set v.xml Main.Nope x
-  kelprofile: v.xml: no element at 'Main.Nope' (a path names one or two levels below the root, as in Main.Name)
+  v.xml: error: no element at 'Main.Nope' (a path names one or two levels below the root, as in Main.Name)
   [1]
   $ cat v.xml
   <?xml version="1.0" encoding="UTF-8"?>

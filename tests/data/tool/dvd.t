@@ -31,7 +31,7 @@ A template without frames offers no titles; titles are needed.
 
   $ echo '<r><bgImageName>b.png</bgImageName></r>' > bare.xml
   $ kelprofile dvd bare.xml out /v/1
-  kelprofile: bare.xml: the template has no frames for title buttons
+  bare.xml: error: the template has no frames for title buttons
   [1]
   $ kelprofile dvd examples/dvd/film-strip.xml out
   kelprofile: dvd needs TEMPLATE OUTDIR and at least one TITLE.mpg

@@ -32,7 +32,7 @@ the JSON, and leaves OUT as it was.
   exit 1
   data/write/two-records.json:1:1: error: $: 2 records; write takes one, as show --json prints it for one file
   exit 1
-  data/write/unknown-family.json:2:13: error: $.family: "subtitles" is not a family kelprofile knows; it writes "customizations", "conversion profiles", "temporary options", "web-player projects"
+  data/write/unknown-family.json:2:13: error: $.family: "subtitles" is not a family kelprofile knows; it writes "conversion profiles", "customizations", "web-player projects", "temporary options"
   data/write/unknown-family.json:4:14: error: $.comment: no such field here
   exit 1
   data/write/webplayer.json:12:19: error: $.record.addOnCount: 1, but "addOn" has 2 slots

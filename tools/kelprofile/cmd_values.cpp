@@ -1,11 +1,11 @@
 // kelprofile get and kelprofile set: one value of any file, named by a
 // dotted path below the root element.
-#include <cstring>
 #include <iostream>
-#include <memory>
 
-#include "kelProfile.h"
-#include "tool.h"
+#include "commands.h"
+#include "xml.h"
+
+namespace tool {
 
 namespace {
 
@@ -28,33 +28,43 @@ Lookup lookUp(const std::string& file, const std::string& path, std::string& val
     return Lookup::Found;
 }
 
+// Whether the file is XML the library may read, else the error printed:
+// the tool's own parse names the place, as show does.
+bool readable(const std::string& file) {
+    Parsed parsed = parseXml(file);
+    if (!parsed.doc) std::cerr << parsed.error << '\n';
+    return parsed.doc != nullptr;
+}
+
 // Reports a look-up that found no value; the exit status.
 int fail(Lookup result, const std::string& file, const std::string& path) {
     if (result == Lookup::Unreadable)
-        tool::error(file + ": missing, unreadable or not XML");
+        fileError(file, "the library cannot read it");
     else
-        tool::error(file + ": no element at '" + path +
-                    "' (a path names one or two levels below the root, as in Main.Name)");
-    return tool::kFailed;
+        fileError(file, "no element at '" + path +
+                            "' (a path names one or two levels below the root, as in Main.Name)");
+    return kFailed;
 }
 
 int get(const std::vector<std::string>& args) {
     if (args.size() != 2) {
-        tool::error("get needs FILE and PATH");
-        return tool::kUsage;
+        error("get needs FILE and PATH");
+        return kUsage;
     }
+    if (!readable(args[0])) return kFailed;
     std::string value;
     Lookup result = lookUp(args[0], args[1], value);
     if (result != Lookup::Found) return fail(result, args[0], args[1]);
     std::cout << value << '\n';
-    return tool::kOk;
+    return kOk;
 }
 
 int set(const std::vector<std::string>& args) {
     if (args.size() != 3) {
-        tool::error("set needs FILE, PATH and VALUE");
-        return tool::kUsage;
+        error("set needs FILE, PATH and VALUE");
+        return kUsage;
     }
+    if (!readable(args[0])) return kFailed;
     // The library would rewrite the file even for a path that names nothing.
     std::string old;
     Lookup result = lookUp(args[0], args[1], old);
@@ -66,23 +76,23 @@ int set(const std::vector<std::string>& args) {
     std::string now;
     if (setXmlValue(args[0].c_str(), args[1].c_str(), value.c_str()) != 0 ||
         lookUp(args[0], args[1], now) != Lookup::Found || now != args[2]) {
-        tool::error(args[0] +
-                    ": the new value did not reach the file (not writable, or a value "
-                    "XML cannot hold)");
-        return tool::kFailed;
+        fileError(args[0],
+                  "the new value did not reach the file (not writable, or a value XML cannot "
+                  "hold)");
+        return kFailed;
     }
-    return tool::kOk;
+    return kOk;
 }
 
-tool::RegisterCommand getCommand(
-    {"get", "FILE PATH",
-     "prints the text of the element PATH names, e.g. Main.Name (one or two levels\n"
-     "      below the root, first match of each name)",
-     get});
-tool::RegisterCommand setCommand(
-    {"set", "FILE PATH VALUE",
-     "replaces the text of the element PATH names with VALUE, taken literally, and\n"
-     "      rewrites FILE as it was laid out",
-     set});
-
 }  // namespace
+
+const Command kGet = {"get", "FILE PATH",
+                      "prints the text of the element PATH names, e.g. Main.Name (one or two "
+                      "levels\n      below the root, first match of each name)",
+                      get};
+const Command kSet = {"set", "FILE PATH VALUE",
+                      "replaces the text of the element PATH names with VALUE, taken literally, "
+                      "and\n      rewrites FILE as it was laid out",
+                      set};
+
+}  // namespace tool
