@@ -113,8 +113,8 @@ int check(const std::vector<std::string>& args) {
     std::vector<FoundFile> files = xmlFilesBelow(args[0]);
     Tally tally;
     for (const FoundFile& file : files) checkFile(file, scratch, tally);
-    std::cout << files.size() << " files: " << tally.ok << " ok, " << tally.failed << " failed, "
-              << tally.unknown << " not recognised\n";
+    std::cout << files.size() << (files.size() == 1 ? " file: " : " files: ") << tally.ok << " ok, "
+              << tally.failed << " failed, " << tally.unknown << " not recognised\n";
     printLoaderCounts(args[0], files.size());
     return tally.failed ? kFailed : kOk;
 }

@@ -92,17 +92,16 @@ public:
         refused_ = true;
     }
     // The record's blocks stay within what one read of the library may
-    // allocate: a record past it could not come from a file.
-    void* allocate(const char* name, std::size_t count, std::size_t size) override {
+    // allocate: a record past it could not come from a file. Reported once,
+    // at the list that passes it.
+    void* allocate(const char*, std::size_t count, std::size_t size) override {
         std::size_t bytes = std::max<std::size_t>(count, 1) * size;
-        if (count > kRecordBytes / size || allocated_ + bytes > kRecordBytes) {
-            refuse(name, grouped(static_cast<long long>(count)) + " items would pass the " +
-                             grouped(kRecordBytes >> 20) +
-                             " MB a record read from a file may take");
-            return nullptr;
+        if (count <= kRecordBytes / size && allocated_ + bytes <= kRecordBytes) {
+            allocated_ += bytes;
+            return tool::allocate(count, size);
         }
-        allocated_ += bytes;
-        return tool::allocate(count, size);
+        overBudget(open_.back().path);
+        return nullptr;
     }
 
 private:
@@ -136,6 +135,14 @@ private:
     std::string path(const char* name) const { return open_.back().path + step(name); }
     std::string elementPath(int index) const {
         return open_.back().path + '[' + std::to_string(index) + ']';
+    }
+
+    void overBudget(const std::string& at) {
+        refused_ = true;
+        if (!overBudget_)
+            findings_.about(at, "here the record passes the " + grouped(kRecordBytes >> 20) +
+                                    " MB a record read from a file may take");
+        overBudget_ = true;
     }
 
     void report(const std::string& at, const std::string& why) {
@@ -184,9 +191,7 @@ private:
         std::string bytes;
         if (!v || v->is_null() || !textIn(*v, at, code, kHeapText - 1, bytes)) return;
         if (bytes.empty() && emptyIsNull) return;
-        if (allocated_ + bytes.size() + 1 > kRecordBytes)
-            return report(at, "the record's texts would pass the " + grouped(kRecordBytes >> 20) +
-                                  " MB a record read from a file may take");
+        if (allocated_ + bytes.size() + 1 > kRecordBytes) return overBudget(at);
         allocated_ += bytes.size() + 1;
         field = static_cast<char*>(tool::allocate(bytes.size() + 1, 1));
         std::memcpy(field, bytes.c_str(), bytes.size() + 1);
@@ -231,6 +236,7 @@ private:
     std::vector<Open> open_;
     bool refused_;
     std::size_t allocated_ = 0;
+    bool overBudget_ = false;
 };
 
 }  // namespace

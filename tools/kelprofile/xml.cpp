@@ -69,6 +69,14 @@ Parsed parseXml(const std::string& path) {
         parsed.error = path + ": error: " + why;
         return parsed;
     }
+    // libxml2 would inflate a compressed file read from its path; the
+    // library reads files as they are, and so does the tool.
+    if (bytes.compare(0, 2, "\x1f\x8b") == 0) {
+        parsed.error = path +
+                       ": error: a gzip-compressed file; files are read as they are, "
+                       "never decompressed";
+        return parsed;
+    }
     parsed.doc = parse(path, bytes, parsed.error);
     if (!parsed.doc) return parsed;
     const xmlNode* root = xmlDocGetRootElement(parsed.doc.get());
