@@ -53,15 +53,7 @@ struct Profiles : RecordTraits<Profile> {
             f.close();
         }
         f.endList();
-        if (f.filling()) {
-            // The record owns the slots filled, whatever langCount said.
-            p.langCount = slots;
-            if (slots < 1 || slots != declared)
-                f.refuse("langCount",
-                         std::to_string(declared) + ", but \"language\" has " +
-                             std::to_string(slots) + (slots == 1 ? " slot" : " slots") +
-                             " (a read gives 1 to " + std::to_string(kLanguages) + ")");
-        }
+        settleCount(f, "langCount", p.langCount, declared, slots, kLanguages, "language", 1);
         f.text("format", p.format, Code::Gbk);
         f.text("extName", p.extName, Code::Gbk);
         f.number("isSysProfile", p.isSysProfile);

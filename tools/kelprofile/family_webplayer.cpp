@@ -76,12 +76,7 @@ void WebPlayerProjects::describe(Fields& f, KELProject*& project) {
     f.number("addOnCount", r.addOns.count);
     int declared = r.addOns.count;
     int n = texts(f, "addOn", r.addOns.href, r.addOns.count, kAddOns, Code::Utf8, kEmptyIsNull);
-    if (f.filling()) {
-        r.addOns.count = n;  // the record owns the slots filled
-        if (n != declared)
-            f.refuse("addOnCount", std::to_string(declared) + ", but \"addOn\" has " +
-                                       std::to_string(n) + (n == 1 ? " slot" : " slots"));
-    }
+    settleCount(f, "addOnCount", r.addOns.count, declared, n, kAddOns, "addOn");
     records(f, "playItem", r.playItems, r.playItemCount, INT32_MAX, describePlayItem);
 }
 

@@ -203,7 +203,8 @@ private:
             return false;
         }
         std::string why;
-        if (!fromShown(v.get_ref<const std::string&>(), code, bytes, why)) {
+        const std::string& utf8 = v.get_ref<const std::string&>();
+        if (!fromShown(utf8, code, bytes, why)) {
             report(at, why);
             return false;
         }
@@ -211,6 +212,14 @@ private:
             report(at, grouped(static_cast<long long>(bytes.size())) +
                            (code == Code::Gbk ? " bytes in GBK" : " bytes") + "; the field holds " +
                            grouped(static_cast<long long>(room)));
+            return false;
+        }
+        // A save converts GBK text back through the library's buffer: a
+        // text whose UTF-8 does not fit it would be written as nothing.
+        if (code == Code::Gbk && utf8.size() >= KELPROFILE_CONVERSION) {
+            report(at, grouped(static_cast<long long>(utf8.size())) +
+                           " bytes; a save writes GBK text back only up to " +
+                           grouped(KELPROFILE_CONVERSION - 1) + " bytes of UTF-8");
             return false;
         }
         return true;

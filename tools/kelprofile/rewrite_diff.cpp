@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kelProfile.h"
+#include "record_text.h"
 #include "xml.h"
 
 namespace tool {
@@ -158,8 +159,9 @@ private:
 
     void text(const xmlNode* file, const std::string& where, const std::string& was,
               const std::string& now) {
-        if (gbk_ && !ascii(was) && !convertible(file, where, was, now)) return;
-        if (was != now) value(file, where, was, now);
+        bool gbk = gbk_ && !ascii(was);
+        if (gbk && !convertible(file, where, was, now)) return;
+        if (was != now) value(file, where, was, now, gbk);
     }
 
     // Whether element text of a GBK record has a GBK form that fits the
@@ -168,7 +170,16 @@ private:
                      const std::string& now) {
         std::string gbk;
         GbkForm form = toGbk(was, gbk);
-        if (form == GbkForm::Fits) return true;
+        if (form == GbkForm::Fits && was.size() < KELPROFILE_CONVERSION) return true;
+        if (form == GbkForm::Fits) {
+            lint_.warn(file, where + ": text of " + std::to_string(was.size()) +
+                                 " bytes, more than the " +
+                                 std::to_string(KELPROFILE_CONVERSION - 1) +
+                                 " a save converts back; the record holds its " +
+                                 std::to_string(gbk.size()) + " bytes in GBK, but a save writes " +
+                                 quote(now));
+            return false;
+        }
         std::string saved = was == now ? "" : " (a save writes " + quote(now) + ")";
         if (form == GbkForm::None)
             lint_.warn(file, where + ": text " + quote(was) +
@@ -192,9 +203,12 @@ private:
     }
 
     // A value the record holds differently.
+    // A number field writes back the number it read; any other value that
+    // changed is a text. gbk: element text of a GBK record, whose length
+    // counts in GBK.
     void value(const xmlNode* at, const std::string& what, const std::string& was,
-               const std::string& now) {
-        if (plainNumber(now) && std::atoi(was.c_str()) == std::atoi(now.c_str())) {
+               const std::string& now, bool gbk = false) {
+        if (now == std::to_string(std::atoi(was.c_str()))) {
             if (!outside32Bits(was).empty())
                 overflow(at, what, was);
             else if (!plainNumber(was))
@@ -202,7 +216,7 @@ private:
             return;
         }
         if (!now.empty() && now.size() < was.size() && was.compare(0, now.size(), now) == 0) {
-            cut(at, what, was, now);
+            cut(at, what, was, now, gbk);
             return;
         }
         lint_.warn(at, what + ": the file holds " + quote(was) + ", the record " +
@@ -212,7 +226,7 @@ private:
     // A value the record keeps the start of: comma-separated lists lose
     // whole pieces past their capacity, other texts are cut to their field.
     void cut(const xmlNode* at, const std::string& what, const std::string& was,
-             const std::string& now) {
+             const std::string& now, bool gbk) {
         if (was[now.size()] == ',') {
             auto pieces = [](const std::string& s) {
                 return std::to_string(std::count(s.begin(), s.end(), ',') + 1);
@@ -220,9 +234,14 @@ private:
             lint_.warn(at, what + ": " + pieces(was) + " comma-separated pieces, the record " +
                                "keeps the first " + pieces(now));
         } else {
+            std::string wasBytes = was, nowBytes = now;
+            if (gbk && (!convert("gbk", "UTF-8", was, wasBytes) ||
+                        !convert("gbk", "UTF-8", now, nowBytes)))
+                wasBytes = was, nowBytes = now, gbk = false;
             lint_.warn(at, what + ": cut to fit its field: the file holds " +
-                               std::to_string(was.size()) + " bytes, the record keeps " +
-                               std::to_string(now.size()) + " (" + quote(now) + ")");
+                               std::to_string(wasBytes.size()) +
+                               (gbk ? " bytes in GBK" : " bytes") + ", the record keeps " +
+                               std::to_string(nowBytes.size()) + " (" + quote(now) + ")");
         }
     }
 

@@ -112,6 +112,13 @@ int records(Fields& f, const char* name, T*& items, int32_t& count, int capacity
     return n;
 }
 
+// After a fill of a list whose length a count field gives too: the record
+// owns the slots filled, and a count that says otherwise is refused (a
+// count past the capacity as such: the list is refused for its length).
+// least: the fewest slots a read gives.
+void settleCount(Fields& f, const char* name, int32_t& count, int declared, int filled,
+                 int capacity, const char* list, int least = 0);
+
 // A list of heap texts, such as one text per language slot.
 inline int texts(Fields& f, const char* name, char** items, int count, int capacity, Code code,
                  bool emptyIsNull = false) {
