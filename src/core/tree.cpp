@@ -45,7 +45,7 @@ XmlText attr(const xmlNode* n, const char* name) noexcept {
     if (!n) return {};
     if (n->type == XML_ELEMENT_NODE) {
         const xmlAttr* a = n->properties;
-        while (a && std::strcmp(reinterpret_cast<const char*>(a->name), name) != 0) a = a->next;
+        while (a && !sameName(a->name, name)) a = a->next;
         if (a) {
             if (const xmlChar* text = singleText(a->children)) return XmlText::inTree(text);
         } else if (!hasDocumentType(n)) {

@@ -12,7 +12,7 @@ int getLangIndex(int& count, char** table, const char* name) {
     if (!table) return -1;
     int known = kel::countWithin(count, kLangSlots);
     for (int i = 0; i < known; ++i)
-        if (table[i] && std::strcmp(table[i], name) == 0) return i;
+        if (table[i] && table[i][0] == name[0] && std::strcmp(table[i], name) == 0) return i;
     if (known == kLangSlots) return -1;
     char* copy = kel::dupBytes(name, std::strlen(name));
     if (!copy) return -1;
