@@ -90,7 +90,11 @@ struct Decimal {
 //    maps it elsewhere;
 //  - a UTF-8 text whose GBK result does not convert back to exactly the
 //    text has failed, as an irreversible conversion does, whether or not
-//    the converter reports the characters it replaced.
+//    the converter reports the characters it replaced. Only what follows
+//    the text's first characters that every GBK table maps alike (ASCII,
+//    the euro sign, the unified ideographs) is converted back: those
+//    cannot fail the check (text.cpp says why), and a text of nothing else
+//    is not converted back at all.
 class Conversion {
 public:
     Conversion(const char* tocode, const char* fromcode) noexcept;
@@ -123,10 +127,12 @@ private:
     const char* from_;
     Pair pair_;
     iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
+    bool initial_ = true;  // the descriptor is known to be in its initial state
 };
 
 // Text in the encoding a record holds it in, pointing into the converter's
-// buffer or into the source: valid until the next conversion.
+// buffer or into the source (ASCII text, and text kept unconverted): valid
+// until the next conversion, and while the source lives.
 struct RecordText {
     const char* text;
     Enc enc;
@@ -149,6 +155,9 @@ public:
     RecordText toRecord(const char* utf8) noexcept;
     // As toRecord, but null when the text does not convert.
     const char* toRecordOrNull(const char* utf8) noexcept;
+    // As toRecordOrNull, the result always in the converter's buffer: for
+    // a source that goes away before the result is used.
+    const char* toRecordInBuffer(const char* utf8) noexcept;
     // Record text (GBK) to file text (UTF-8); "" when it does not convert. A
     // text that is valid UTF-8 and has no GBK form can only be one a reader
     // kept unconverted: it is written back as it stands, as it was read.

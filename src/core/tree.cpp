@@ -70,8 +70,9 @@ XmlText content(const xmlNode* n) noexcept {
 }
 
 const char* convertedText(Converter& converter, const xmlNode* n) noexcept {
+    // The text may be a copy that goes with this function's XmlText.
     XmlText text = content(n);
-    return converter.toRecordOrNull(text ? text.get() : "");
+    return converter.toRecordInBuffer(text ? text.get() : "");
 }
 
 namespace {
