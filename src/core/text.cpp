@@ -29,8 +29,12 @@ std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) 
 }
 
 void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept {
-    if (!dst || width == 0 || !src || !*src) return;
-    std::size_t n = fitLength(src, std::strlen(src), width - 1, enc);
+    if (src) copyField(dst, width, src, std::strlen(src), enc);
+}
+
+void copyField(char* dst, std::size_t width, const char* src, std::size_t len, Enc enc) noexcept {
+    if (!dst || width == 0 || !src || len == 0) return;
+    std::size_t n = fitLength(src, len, width - 1, enc);
     std::memmove(dst, src, n);
     dst[n] = 0;
 }
@@ -79,9 +83,9 @@ char* dupBounded(const char* src, Enc enc) noexcept {
     return (src && *src) ? copyBounded(src, enc) : nullptr;
 }
 
-bool replaceText(char*& field, const char* text, Enc enc) noexcept {
+bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept {
     // Copied before the old text is released, which text may point into.
-    char* copy = text ? copyBounded(text, enc) : nullptr;
+    char* copy = text ? dupBytes(text, fitLength(text, len, kMaxHeapText, enc)) : nullptr;
     std::free(field);
     field = copy;
     return copy || !text;
@@ -326,15 +330,22 @@ const char* Converter::convert(Conversion& direction, const char* in, Conversion
 }
 
 RecordText Converter::toRecord(const char* utf8) noexcept {
-    if (const char* converted = toRecordOrNull(utf8)) return {converted, Enc::Gbk};
-    return {utf8, Enc::Utf8};
+    if (!utf8) return {nullptr, Enc::Utf8, 0};
+    std::size_t len = std::strlen(utf8);
+    std::size_t converted = len;
+    if (const char* text = recordText(utf8, converted)) return {text, Enc::Gbk, converted};
+    return {utf8, Enc::Utf8, len};
 }
 
 const char* Converter::toRecordOrNull(const char* utf8) noexcept {
     if (!utf8) return nullptr;
     std::size_t len = std::strlen(utf8);
+    return recordText(utf8, len);
+}
+
+const char* Converter::recordText(const char* utf8, std::size_t& len) noexcept {
     if (!isAscii(utf8, len))
-        return toGbk_.run(utf8, len, buf_, kSize, false, &toUtf8_) == 0 ? buf_ : nullptr;
+        return toGbk_.run(utf8, len, buf_, kSize, false, &toUtf8_, &len) == 0 ? buf_ : nullptr;
     // ASCII is its own GBK form: the text is taken where it stands, as
     // iconv would convert it, so one that would leave no room for the
     // terminator in the buffer does not fit.

@@ -22,9 +22,15 @@ std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) 
 // Copies src into a field of width bytes, cut to fit; a null or empty src
 // leaves the field as it was.
 void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept;
+// As copyField, for a src whose length (len bytes) is known.
+void copyField(char* dst, std::size_t width, const char* src, std::size_t len, Enc enc) noexcept;
 template <std::size_t N>
 void copyField(char (&dst)[N], const char* src, Enc enc = Enc::Utf8) noexcept {
     copyField(dst, N, src, enc);
+}
+template <std::size_t N>
+void copyField(char (&dst)[N], const char* src, std::size_t len, Enc enc) noexcept {
+    copyField(dst, N, src, len, enc);
 }
 
 // Whether s is valid UTF-8 (no overlong forms, no surrogates, nothing past
@@ -38,10 +44,10 @@ constexpr std::size_t kMaxHeapText = 1023;
 char* dupText(const char* src) noexcept;
 // As dupText, cut to at most 1023 bytes on a character boundary.
 char* dupBounded(const char* src, Enc enc) noexcept;
-// Replaces a heap text by a copy of text cut as by dupBounded (an empty
-// text gives an empty copy, a null one null), releasing the old one. False
-// when the copy cannot be allocated (the field is then null).
-bool replaceText(char*& field, const char* text, Enc enc = Enc::Utf8) noexcept;
+// Replaces a heap text by a copy of text (len bytes) cut as by dupBounded
+// (an empty text gives an empty copy, a null one null), releasing the old
+// one. False when the copy cannot be allocated (the field is then null).
+bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept;
 
 // A record's fixed text field as a terminated string, read no further than
 // the field's width: writers take record fields through it, so a field the
@@ -132,14 +138,16 @@ private:
 
 // Text in the encoding a record holds it in, pointing into the converter's
 // buffer or into the source (ASCII text, and text kept unconverted): valid
-// until the next conversion, and while the source lives.
+// until the next conversion, and while the source lives. Its length comes
+// with it, so that copies need not measure it again.
 struct RecordText {
     const char* text;
     Enc enc;
-    bool empty() const noexcept { return !text || !*text; }
+    std::size_t len;  // bytes before the terminator; 0 for a null text
+    bool empty() const noexcept { return len == 0; }
     template <std::size_t N>
     void copyTo(char (&dst)[N]) const noexcept {
-        copyField(dst, N, text, enc);
+        copyField(dst, N, text, len, enc);
     }
     // A heap copy of at most 1023 bytes, null when empty.
     char* dup() const noexcept { return dupBounded(text, enc); }
@@ -164,6 +172,9 @@ public:
     const char* toFile(const char* gbk) noexcept;
 
 private:
+    // File text (UTF-8, len bytes) as toRecordOrNull gives it; len then
+    // holds the length of the result.
+    const char* recordText(const char* utf8, std::size_t& len) noexcept;
     // in converted into the buffer, or null when it does not convert.
     // ASCII text is copied: both code pages write it as the same bytes.
     // A UTF-8 to GBK conversion is checked by converting back with back.
