@@ -21,12 +21,14 @@ thread_local Allocations gThread;
 // fail, or it does not fit the budget of the read in progress.
 bool refuse(std::size_t bytes) noexcept {
     Allocations& t = gThread;
-    ++t.count;
-    if (t.failAt > 0 && t.count == t.failAt) return true;
-    if (t.budget == kUnbounded) return false;
-    if (bytes > t.budget) return true;
-    t.budget -= bytes;
-    return false;
+    // Every field read at once, so that the thread's storage is looked up
+    // once whichever way this goes.
+    long count = ++t.count;
+    long failAt = t.failAt;
+    std::size_t budget = t.budget;
+    bool refused = (failAt > 0 && count == failAt) || (budget != kUnbounded && bytes > budget);
+    if (!refused && budget != kUnbounded) t.budget = budget - bytes;
+    return refused;
 }
 }  // namespace
 
