@@ -170,6 +170,8 @@ bool isAscii(const char* s, std::size_t len) noexcept {
     return asciiPrefix(s, len) == len;
 }
 
+}  // namespace
+
 // The characters whose GBK form converts back to exactly themselves
 // wherever the library runs, so that checking them can find nothing:
 // ASCII, the euro sign (which the library maps itself, to the one byte
@@ -178,8 +180,9 @@ bool isAscii(const char* s, std::size_t len) noexcept {
 // GB 18030, glibc's, GNU libiconv's, macOS's) maps each of them to one
 // two-byte code and back the same way. Nothing else is taken on trust:
 // punctuation, fullwidth or not, is exactly what macOS 14.0 changes
-// (，：（）！ became ASCII), and the other symbols are where the tables
-// disagree.
+// (，：（）！ became ASCII; the ideographic full stop and space are
+// checked too, for want of proof that no converter changes them), and the
+// other symbols are where the tables disagree.
 //
 // The longest prefix of a UTF-8 text (len bytes) made of such characters:
 // its length in bytes, and in gbkLen the length of its GBK form. A
@@ -214,6 +217,8 @@ std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLe
     }
     return i;
 }
+
+namespace {
 
 // One call of the converter over len bytes of in, appended at out; false
 // when it stops early, runs out of room or replaced anything.

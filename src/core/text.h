@@ -84,6 +84,12 @@ struct Decimal {
 
 // ---- code pages ------------------------------------------------------------
 
+// The longest prefix of a UTF-8 text (len bytes) whose characters convert to
+// GBK and back alike wherever the library runs (ASCII, the euro sign, the
+// ideographs U+4E00 to U+9FA5): its length in bytes, and in gbkLen that of
+// its GBK form. A round-trip check converts back only what follows it.
+std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLen) noexcept;
+
 // A conversion direction whose descriptor is opened at its first use and
 // kept for the rest of one read or write, so that a file with thousands of
 // texts does not open and close a descriptor for each of them.
