@@ -22,6 +22,16 @@
 //   folder_bench --generate DIR   writes the two folders into DIR
 //   folder_bench --repeat parse|cleanup|floor|loader FOLDER N
 //                                 one variant N times warm, for profilers
+//   folder_bench --instructions [N]
+//                                 the cold loads' instructions under
+//                                 callgrind, medians of N runs (3)
+//   folder_bench --cold parse|cleanup|floor|loader|memory FOLDER
+//                                 one cold run (what the table spawns); under
+//                                 valgrind --tool=callgrind
+//                                 --collect-atstart=no it counts the load
+//                                 alone
+#include <fcntl.h>
+#include <iconv.h>
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xmlmemory.h>
@@ -46,12 +56,22 @@
 
 #include "kelProfile.h"
 
+// Under callgrind, a cold run counts the instructions of its load alone.
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#define KEL_BENCH_COUNTS 1
+#else
+#define KEL_BENCH_COUNTS 0
+#define CALLGRIND_TOGGLE_COLLECT
+#endif
+
 namespace fs = std::filesystem;
 
 namespace {
 
 // The baselines parse as a program using libxml2 would; the floor parses as
-// the library does (the same tree, short texts kept inside their nodes).
+// the library does (from a descriptor, with a context of its own, into the
+// same tree, short texts kept inside their nodes).
 constexpr int kParseOptions = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 constexpr int kLibraryParseOptions = kParseOptions | XML_PARSE_COMPACT;
 
@@ -194,20 +214,83 @@ xmlNode* child(xmlNode* parent, const char* name) {
     return nullptr;
 }
 
-// The library's parse, plus the zeroed blocks a read of every
-// file must leave, allocated as a reader allocates them: the records, and
-// per file its items and each item's 20 list entries. Blocks collects them.
+// The conversion a read of one file cannot do without: one descriptor from
+// UTF-8 to GBK, opened at the first text that needs it and closed with the
+// file (a read may keep none across calls), and one iconv call for each
+// text holding a character beyond ASCII, into a buffer of 1024 bytes. An
+// ASCII text needs none: both code pages write it as the same bytes.
+class FloorConversion {
+public:
+    FloorConversion() = default;
+    FloorConversion(const FloorConversion&) = delete;
+    FloorConversion& operator=(const FloorConversion&) = delete;
+    ~FloorConversion() {
+        if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
+    }
+    // The text of element n, when it is one text node.
+    void text(const xmlNode* n) {
+        const xmlNode* t = n->children;
+        if (!t || t->next || t->type != XML_TEXT_NODE || !t->content) return;
+        const auto* s = reinterpret_cast<const unsigned char*>(t->content);
+        const unsigned char* p = s;
+        while (*p && *p < 0x80) ++p;
+        if (!*p) return;
+        std::size_t len =
+            static_cast<std::size_t>(p - s) + std::strlen(reinterpret_cast<const char*>(p));
+        if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open("gbk", "UTF-8");
+        char* in = const_cast<char*>(reinterpret_cast<const char*>(s));
+        char* out = buffer_;
+        std::size_t room = sizeof buffer_ - 1;
+        iconv(cd_, &in, &len, &out, &room);
+        *out = 0;
+    }
+    // The texts of parent's element children.
+    void children(const xmlNode* parent) {
+        for (const xmlNode* n = parent ? parent->children : nullptr; n; n = n->next)
+            if (n->type == XML_ELEMENT_NODE) text(n);
+    }
+
+private:
+    iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
+    char buffer_[1024];
+};
+
+// A file parsed as the library parses it: from a descriptor, by a parser
+// context of its own, into the same tree.
+xmlDoc* libraryParse(const std::string& path) {
+    int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return nullptr;
+    xmlParserCtxt* parser = xmlNewParserCtxt();
+    xmlDoc* doc =
+        parser ? xmlCtxtReadFd(parser, fd, path.c_str(), nullptr, kLibraryParseOptions) : nullptr;
+    xmlFreeParserCtxt(parser);
+    close(fd);
+    return doc;
+}
+
+// The library's parse, the conversion of the texts a profile read converts
+// (the children of "Main", "Group" and each configuration item), and the
+// zeroed blocks a read of every file must leave, allocated as a reader
+// allocates them: the records, and per file its items and each item's 20
+// list entries. Blocks collects them.
 void contractFloor(const std::vector<std::string>& paths, std::vector<void*>& blocks) {
     blocks.push_back(std::calloc(paths.size(), sizeof(Profile)));
     for (const std::string& path : paths) {
-        xmlDoc* doc = xmlReadFile(path.c_str(), nullptr, kLibraryParseOptions);
-        xmlNode* config = child(xmlDocGetRootElement(doc), "Config");
+        xmlDoc* doc = libraryParse(path);
+        xmlNode* root = xmlDocGetRootElement(doc);
+        FloorConversion conversion;
+        conversion.children(child(root, "Main"));
+        conversion.children(child(root, "Group"));
+        xmlNode* config = child(root, "Config");
         std::size_t items = 0;
         for (xmlNode* n = config ? config->children : nullptr; n; n = n->next)
             if (n->type == XML_ELEMENT_NODE) ++items;
         blocks.push_back(std::calloc(items, sizeof(ConfigItem)));
-        for (std::size_t i = 0; i < items; ++i)
+        for (xmlNode* n = config ? config->children : nullptr; n; n = n->next) {
+            if (n->type != XML_ELEMENT_NODE) continue;
+            conversion.children(n);
             blocks.push_back(std::calloc(20, sizeof(ListEntry)));
+        }
         xmlFreeDoc(doc);
     }
 }
@@ -280,7 +363,7 @@ std::string output(const std::vector<std::string>& args) {
     for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
     argv.push_back(nullptr);
     pid_t pid;
-    bool spawned = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
+    bool spawned = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0;
     posix_spawn_file_actions_destroy(&actions);
     close(fds[1]);
     std::string text;
@@ -341,6 +424,7 @@ int coldChild(const std::string& what, const fs::path& folder) {
     std::sort(paths.begin(), paths.end());
     long before = residentKiB();
     double start = cpuMs();
+    CALLGRIND_TOGGLE_COLLECT;
     if (what == "parse") {
         parseAndFree(paths, false);
     } else if (what == "cleanup") {
@@ -352,6 +436,7 @@ int coldChild(const std::string& what, const fs::path& folder) {
         RecordArray result = loadFolder(folder);
         if (result.count != static_cast<int>(paths.size())) return 1;
     } else if (what == "memory") {
+        CALLGRIND_TOGGLE_COLLECT;
         // What the contract needs at the peak: the records a load leaves,
         // and one parsed document (the largest) beside them.
         std::size_t base = heapInUse();
@@ -363,7 +448,7 @@ int coldChild(const std::string& what, const fs::path& folder) {
                                                     return fs::file_size(a) < fs::file_size(b);
                                                 });
         base = heapInUse();
-        xmlDoc* doc = xmlReadFile(largest.c_str(), nullptr, kLibraryParseOptions);
+        xmlDoc* doc = libraryParse(largest);
         std::size_t document = heapInUse() - base;
         xmlFreeDoc(doc);
         std::printf("%zu %zu\n", records, document);
@@ -371,6 +456,7 @@ int coldChild(const std::string& what, const fs::path& folder) {
     } else {
         return 1;
     }
+    CALLGRIND_TOGGLE_COLLECT;
     double ms = cpuMs() - start;
     struct rusage usage;
     getrusage(RUSAGE_SELF, &usage);
@@ -458,6 +544,66 @@ void folderRows(const ProfileFolder& folder, int rounds) {
     std::printf("| %-34s | %6.1f MiB peak, %.2fx the %.1f MiB of records + one document |\n",
                 (folder.label() + ", memory").c_str(), peakMiB,
                 neededMiB > 0 ? peakMiB / neededMiB : 0, neededMiB);
+}
+
+// ---- instructions ------------------------------------------------------------------
+
+// The instructions of one cold run of a variant under callgrind, counting
+// the load alone; negative when valgrind cannot run it.
+double instructions(const std::string& what, const fs::path& folder) {
+    std::string out = output({"valgrind", "--tool=callgrind", "--collect-atstart=no",
+                              "--callgrind-out-file=/dev/null", "--log-fd=1", gSelf, "--cold", what,
+                              folder.string()});
+    std::size_t at = out.find("Collected : ");
+    return at == std::string::npos ? -1.0 : std::atof(out.c_str() + at + 12);
+}
+
+// Cold runs of every variant under callgrind, taking turns: the median of
+// each in millions of instructions, and the loader's over the others'.
+// Instructions repeat from run to run (libxml2's hash seeds move them by
+// less than a tenth of a percent), where CPU time moves with the machine.
+int instructionTable(int runs) {
+    if (!KEL_BENCH_COUNTS) {
+        std::printf("built without valgrind/callgrind.h: install valgrind and build again\n");
+        return 1;
+    }
+    TempFolder scratch;
+    ProfileFolder small{512, 20}, large{64, 200};
+    small.write(scratch.path());
+    large.write(scratch.path());
+    std::printf(
+        "Millions of instructions (callgrind Ir) of one load in a fresh process, "
+        "medians of %d runs\n\n",
+        runs);
+    std::printf("| %-26s | %9s | %9s | %9s | %7s | %7s |\n", "praseXMLFolder, cold", "loader",
+                "floor", "parse", "/floor", "/parse");
+    std::printf("|%s|%s|%s|%s|%s|%s|\n", std::string(28, '-').c_str(), std::string(11, '-').c_str(),
+                std::string(11, '-').c_str(), std::string(11, '-').c_str(),
+                std::string(9, '-').c_str(), std::string(9, '-').c_str());
+    for (const ProfileFolder* folder : {&small, &large}) {
+        std::vector<Variant> variants;
+        for (const char* what : {"loader", "floor", "parse"}) {
+            fs::path path = folder->path;
+            std::string name = what;
+            variants.push_back({name, [name, path] { return instructions(name, path) / 1e6; }});
+        }
+        // No untimed run first: a count does not depend on what ran before.
+        std::vector<std::vector<double>> counts(variants.size());
+        for (int r = 0; r < runs; ++r)
+            for (std::size_t i = 0; i < variants.size(); ++i) {
+                double m = variants[i].run();
+                if (m < 0) {
+                    std::printf("valgrind could not run the %s variant\n",
+                                variants[i].name.c_str());
+                    return 1;
+                }
+                counts[i].push_back(m);
+            }
+        double loader = median(counts[0]), floor = median(counts[1]), parse = median(counts[2]);
+        std::printf("| %-26s | %9.1f | %9.1f | %9.1f | %6.3fx | %6.3fx |\n",
+                    folder->label().c_str(), loader, floor, parse, loader / floor, loader / parse);
+    }
+    return 0;
 }
 
 // ---- the other families ---------------------------------------------------------
@@ -640,6 +786,8 @@ int main(int argc, char** argv) {
         keepHeapGrown();
         return repeat(argv[2], argv[3], std::atoi(argv[4]));
     }
+    if (argc >= 2 && std::strcmp(argv[1], "--instructions") == 0)
+        return instructionTable(argc >= 3 ? std::max(1, std::atoi(argv[2])) : 3);
     if (argc == 3 && std::strcmp(argv[1], "--generate") == 0) {
         // The two folders, kept for profilers and the lxml script.
         ProfileFolder{512, 20}.write(argv[2]);

@@ -1,9 +1,11 @@
-// The internal layer reads element text and attribute values in place and
-// copies ASCII text without iconv: both are shortcuts, so each must give
-// exactly what the long way gives (libxml2's own copies, iconv's output).
+// The internal layer reads element text and attribute values in place,
+// takes ASCII text without iconv, and converts back only what a round-trip
+// check can find wrong: each is a shortcut, so each must give exactly what
+// the long way gives (libxml2's own copies, iconv's output).
 #include <iconv.h>
 #include <libxml/tree.h>
 
+#include <cstring>
 #include <string>
 
 #include "core/text.h"
@@ -93,6 +95,38 @@ TEST(TextAccess, AsciiConvertsAsIconvDoes) {
         std::string file = converter.toFile(in.c_str());
         std::string expected = iconvText("UTF-8", "gbk", in);
         EXPECT_EQ(file, expected == "(fails)" ? "" : expected);
+    }
+}
+
+// The round-trip check of a UTF-8 to GBK conversion starts at the first
+// character that the platforms' GBK tables might map apart: where that is,
+// in the text and in its GBK form.
+TEST(TextAccess, RoundTripCheckStartsWhereTablesMayDisagree) {
+    const struct {
+        const char* utf8;
+        std::size_t sure;  // bytes of the text not converted back
+        std::size_t gbk;   // bytes of their GBK form
+    } cases[] = {
+        {"", 0, 0},
+        {"plain text", 10, 10},
+        {"选项 0 画面尺寸", 21, 15},
+        {"价格 € 100", 14, 10},              // the euro sign is GBK's 0x80
+        {"\xE4\xB8\x80\xE9\xBE\xA5", 6, 4},  // U+4E00 and U+9FA5, the block's ends
+        {"\xE4\xB7\xBF", 0, 0},              // U+4DFF, just before it
+        {"中\xE9\xBE\xA6", 3, 2},            // U+9FA6, just after it
+        {"视频，音频", 6, 4},                // fullwidth punctuation is checked
+        {"中文。", 6, 4},                    // and the ideographic full stop
+        {"\xE3\x80\x80中", 0, 0},            // and the ideographic space
+        {"¦中", 0, 0},
+        {"a\xE5\x41\x41", 1, 1},     // a lead byte without its continuation
+        {"a\xE5\xB8", 1, 1},         // cut short
+        {"\xF0\x9F\x8E\xAC", 0, 0},  // beyond the BMP
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.utf8);
+        std::size_t gbk = 99;
+        EXPECT_EQ(kel::sureToConvertBack(c.utf8, std::strlen(c.utf8), gbk), c.sure);
+        EXPECT_EQ(gbk, c.gbk);
     }
 }
 

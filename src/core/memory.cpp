@@ -5,42 +5,51 @@
 namespace kel {
 
 namespace {
-// Per thread: reads on two threads each have their own budget, and a test
-// that makes allocations fail reaches only its own thread's.
-thread_local long gFailAt = 0;
-thread_local long gCount = 0;
 constexpr std::size_t kUnbounded = static_cast<std::size_t>(-1);
-thread_local std::size_t gBudget = kUnbounded;
+
+// Per thread: reads on two threads each have their own budget, and a test
+// that makes allocations fail reaches only its own thread's. One object, so
+// that an allocation looks up the thread's storage once, not once a field.
+struct Allocations {
+    long failAt = 0;
+    long count = 0;
+    std::size_t budget = kUnbounded;
+};
+thread_local Allocations gThread;
 
 // Whether this allocation of bytes must fail: it is the one a test asked to
 // fail, or it does not fit the budget of the read in progress.
 bool refuse(std::size_t bytes) noexcept {
-    ++gCount;
-    if (gFailAt > 0 && gCount == gFailAt) return true;
-    if (gBudget == kUnbounded) return false;
-    if (bytes > gBudget) return true;
-    gBudget -= bytes;
-    return false;
+    Allocations& t = gThread;
+    // Every field read at once, so that the thread's storage is looked up
+    // once whichever way this goes.
+    long count = ++t.count;
+    long failAt = t.failAt;
+    std::size_t budget = t.budget;
+    bool refused = (failAt > 0 && count == failAt) || (budget != kUnbounded && bytes > budget);
+    if (!refused && budget != kUnbounded) t.budget = budget - bytes;
+    return refused;
 }
 }  // namespace
 
 // A bound inside another gets what is left of the outer one at the most,
 // and what it spends is spent for the outer one too.
 RecordBudget::RecordBudget(std::size_t bytes) noexcept
-    : saved_(gBudget), limit_(gBudget < bytes ? gBudget : bytes) {
-    gBudget = limit_;
+    : saved_(gThread.budget), limit_(gThread.budget < bytes ? gThread.budget : bytes) {
+    gThread.budget = limit_;
 }
 
 RecordBudget::~RecordBudget() {
+    std::size_t& budget = gThread.budget;
     if (saved_ == kUnbounded) {
-        gBudget = kUnbounded;
+        budget = kUnbounded;
     } else {
-        gBudget = saved_ - (limit_ - gBudget);
+        budget = saved_ - (limit_ - budget);
     }
 }
 
 void RecordBudget::refund() noexcept {
-    gBudget = limit_;
+    gThread.budget = limit_;
 }
 
 void* allocZeroed(std::size_t count, std::size_t size) noexcept {
@@ -64,11 +73,11 @@ char* dupBytes(const char* s, std::size_t n) noexcept {
 
 namespace fault {
 void failAllocation(long n) noexcept {
-    gFailAt = n;
-    gCount = 0;
+    gThread.failAt = n;
+    gThread.count = 0;
 }
 long allocations() noexcept {
-    return gCount;
+    return gThread.count;
 }
 }  // namespace fault
 

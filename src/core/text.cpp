@@ -29,8 +29,12 @@ std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) 
 }
 
 void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept {
-    if (!dst || width == 0 || !src || !*src) return;
-    std::size_t n = fitLength(src, std::strlen(src), width - 1, enc);
+    if (src) copyField(dst, width, src, std::strlen(src), enc);
+}
+
+void copyField(char* dst, std::size_t width, const char* src, std::size_t len, Enc enc) noexcept {
+    if (!dst || width == 0 || !src || len == 0) return;
+    std::size_t n = fitLength(src, len, width - 1, enc);
     std::memmove(dst, src, n);
     dst[n] = 0;
 }
@@ -79,9 +83,9 @@ char* dupBounded(const char* src, Enc enc) noexcept {
     return (src && *src) ? copyBounded(src, enc) : nullptr;
 }
 
-bool replaceText(char*& field, const char* text, Enc enc) noexcept {
+bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept {
     // Copied before the old text is released, which text may point into.
-    char* copy = text ? copyBounded(text, enc) : nullptr;
+    char* copy = text ? dupBytes(text, fitLength(text, len, kMaxHeapText, enc)) : nullptr;
     std::free(field);
     field = copy;
     return copy || !text;
@@ -138,10 +142,83 @@ const char* nextEuro(const char* p, const char* end, bool gbk) noexcept {
         }
         return end;
     }
-    for (; end - p >= 3; ++p)
+    while (end - p >= 3) {
+        const void* lead = std::memchr(p, kEuroUtf8[0], static_cast<std::size_t>(end - p - 2));
+        if (!lead) break;
+        p = static_cast<const char*>(lead);
         if (std::memcmp(p, kEuroUtf8, kEuroUtf8Len) == 0) return p;
+        ++p;
+    }
     return end;
 }
+
+// Length of the ASCII prefix of s (len bytes), taken eight bytes at a time.
+std::size_t asciiPrefix(const char* s, std::size_t len) noexcept {
+    std::size_t i = 0;
+    for (; len - i >= 8; i += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, s + i, sizeof word);
+        if (word & 0x8080808080808080u) break;
+    }
+    while (i < len && static_cast<unsigned char>(s[i]) < 0x80) ++i;
+    return i;
+}
+
+// Whether the first len bytes of s are ASCII, which both code pages write
+// as the same bytes.
+bool isAscii(const char* s, std::size_t len) noexcept {
+    return asciiPrefix(s, len) == len;
+}
+
+}  // namespace
+
+// The characters whose GBK form converts back to exactly themselves
+// wherever the library runs, so that checking them can find nothing:
+// ASCII, the euro sign (which the library maps itself, to the one byte
+// 0x80) and the CJK Unified Ideographs from U+4E00 to U+9FA5. Those 20,902
+// ideographs are GBK's own hanzi block, and every GBK table (code page 936,
+// GB 18030, glibc's, GNU libiconv's, macOS's) maps each of them to one
+// two-byte code and back the same way. Nothing else is taken on trust:
+// punctuation, fullwidth or not, is exactly what macOS 14.0 changes
+// (，：（）！ became ASCII; the ideographic full stop and space are
+// checked too, for want of proof that no converter changes them), and the
+// other symbols are where the tables disagree.
+//
+// The longest prefix of a UTF-8 text (len bytes) made of such characters:
+// its length in bytes, and in gbkLen the length of its GBK form. A
+// converter converts character by character, so the GBK form of the whole
+// text starts with that of the prefix, and the text converts back exactly
+// when the rest of its GBK form gives back the rest of the text.
+std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLen) noexcept {
+    const auto* u = reinterpret_cast<const unsigned char*>(s);
+    std::size_t i = 0;
+    gbkLen = 0;
+    while (i < len) {
+        if (u[i] < 0x80) {
+            std::size_t ascii = asciiPrefix(s + i, len - i);
+            i += ascii;
+            gbkLen += ascii;
+            continue;
+        }
+        if (len - i < 3) break;
+        // The three bytes as one number: UTF-8 keeps the order of code
+        // points, so with both continuation bytes well formed, U+4E00
+        // (E4 B8 80) to U+9FA5 (E9 BE A5) is one range of numbers.
+        std::uint32_t c = std::uint32_t{u[i]} << 16 | std::uint32_t{u[i + 1]} << 8 | u[i + 2];
+        if ((c & 0xC0C0) != 0x8080) break;
+        if (c - 0xE4B880u <= 0xE9BEA5u - 0xE4B880u) {
+            gbkLen += 2;
+        } else if (c == 0xE282AC) {
+            gbkLen += 1;
+        } else {
+            break;
+        }
+        i += 3;
+    }
+    return i;
+}
+
+namespace {
 
 // One call of the converter over len bytes of in, appended at out; false
 // when it stops early, runs out of room or replaced anything.
@@ -168,7 +245,10 @@ Conversion::~Conversion() {
 }
 
 bool Conversion::open() noexcept {
-    if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open(to_, from_);
+    if (cd_ == reinterpret_cast<iconv_t>(-1)) {
+        cd_ = iconv_open(to_, from_);
+        initial_ = true;
+    }
     return cd_ != reinterpret_cast<iconv_t>(-1);
 }
 
@@ -197,7 +277,7 @@ int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned lon
                     bool zeroFill, Conversion* back, std::size_t* written) noexcept {
     if (!open()) return -1;
     // Start from the initial state, whatever an earlier failure left.
-    iconv(cd_, nullptr, nullptr, nullptr, nullptr);
+    if (!initial_) iconv(cd_, nullptr, nullptr, nullptr, nullptr);
     if (zeroFill) std::memset(out, 0, outlen);
     if (written) *written = 0;
     // A result that fills the whole buffer has no room for its terminator:
@@ -212,7 +292,17 @@ int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned lon
     *end = 0;
     std::size_t length = static_cast<std::size_t>(end - out);
     if (written) *written = length;
-    if (ok && pair_ == Pair::ToGbk && back) ok = back->givesBack(out, length, in, inlen);
+    if (ok && pair_ == Pair::ToGbk && back) {
+        // Only what follows the characters sure to convert back is checked.
+        std::size_t gbkSure = 0;
+        std::size_t sure = sureToConvertBack(text, len, gbkSure);
+        if (sure < len)
+            ok = gbkSure <= length &&
+                 back->givesBack(out + gbkSure, length - gbkSure, text + sure, len - sure);
+    }
+    // UTF-8 and GBK keep no shift state: a conversion between them that
+    // succeeded leaves the initial state. Any other pair may not.
+    initial_ = ok && pair_ != Pair::Other;
     return ok ? 0 : -1;
 }
 
@@ -233,16 +323,6 @@ bool Conversion::givesBack(const char* converted, std::size_t len, const char* s
            length == sourceLen && std::memcmp(buffer, source, sourceLen) == 0;
 }
 
-namespace {
-// Whether the first len bytes of s are ASCII, which both code pages write
-// as the same bytes.
-bool isAscii(const char* s, std::size_t len) noexcept {
-    for (std::size_t i = 0; i < len; ++i)
-        if (static_cast<unsigned char>(s[i]) >= 0x80) return false;
-    return true;
-}
-}  // namespace
-
 const char* Converter::convert(Conversion& direction, const char* in, Conversion* back) noexcept {
     std::size_t len = std::strlen(in);
     if (!isAscii(in, len))
@@ -255,12 +335,34 @@ const char* Converter::convert(Conversion& direction, const char* in, Conversion
 }
 
 RecordText Converter::toRecord(const char* utf8) noexcept {
-    if (const char* converted = toRecordOrNull(utf8)) return {converted, Enc::Gbk};
-    return {utf8, Enc::Utf8};
+    if (!utf8) return {nullptr, Enc::Utf8, 0};
+    std::size_t len = std::strlen(utf8);
+    std::size_t converted = len;
+    if (const char* text = recordText(utf8, converted)) return {text, Enc::Gbk, converted};
+    return {utf8, Enc::Utf8, len};
 }
 
 const char* Converter::toRecordOrNull(const char* utf8) noexcept {
-    return utf8 ? convert(toGbk_, utf8, &toUtf8_) : nullptr;
+    if (!utf8) return nullptr;
+    std::size_t len = std::strlen(utf8);
+    return recordText(utf8, len);
+}
+
+const char* Converter::recordText(const char* utf8, std::size_t& len) noexcept {
+    if (!isAscii(utf8, len))
+        return toGbk_.run(utf8, len, buf_, kSize, false, &toUtf8_, &len) == 0 ? buf_ : nullptr;
+    // ASCII is its own GBK form: the text is taken where it stands, as
+    // iconv would convert it, so one that would leave no room for the
+    // terminator in the buffer does not fit.
+    return len < kSize ? utf8 : nullptr;
+}
+
+const char* Converter::toRecordInBuffer(const char* utf8) noexcept {
+    const char* text = toRecordOrNull(utf8);
+    if (!text || text != utf8) return text;
+    // Shorter than the buffer, or it would not have converted.
+    std::memcpy(buf_, text, std::strlen(text) + 1);
+    return buf_;
 }
 
 const char* Converter::toFile(const char* gbk) noexcept {

@@ -22,9 +22,15 @@ std::size_t fitLength(const char* s, std::size_t len, std::size_t cap, Enc enc) 
 // Copies src into a field of width bytes, cut to fit; a null or empty src
 // leaves the field as it was.
 void copyField(char* dst, std::size_t width, const char* src, Enc enc) noexcept;
+// As copyField, for a src whose length (len bytes) is known.
+void copyField(char* dst, std::size_t width, const char* src, std::size_t len, Enc enc) noexcept;
 template <std::size_t N>
 void copyField(char (&dst)[N], const char* src, Enc enc = Enc::Utf8) noexcept {
     copyField(dst, N, src, enc);
+}
+template <std::size_t N>
+void copyField(char (&dst)[N], const char* src, std::size_t len, Enc enc) noexcept {
+    copyField(dst, N, src, len, enc);
 }
 
 // Whether s is valid UTF-8 (no overlong forms, no surrogates, nothing past
@@ -38,10 +44,10 @@ constexpr std::size_t kMaxHeapText = 1023;
 char* dupText(const char* src) noexcept;
 // As dupText, cut to at most 1023 bytes on a character boundary.
 char* dupBounded(const char* src, Enc enc) noexcept;
-// Replaces a heap text by a copy of text cut as by dupBounded (an empty
-// text gives an empty copy, a null one null), releasing the old one. False
-// when the copy cannot be allocated (the field is then null).
-bool replaceText(char*& field, const char* text, Enc enc = Enc::Utf8) noexcept;
+// Replaces a heap text by a copy of text (len bytes) cut as by dupBounded
+// (an empty text gives an empty copy, a null one null), releasing the old
+// one. False when the copy cannot be allocated (the field is then null).
+bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept;
 
 // A record's fixed text field as a terminated string, read no further than
 // the field's width: writers take record fields through it, so a field the
@@ -78,6 +84,12 @@ struct Decimal {
 
 // ---- code pages ------------------------------------------------------------
 
+// The longest prefix of a UTF-8 text (len bytes) whose characters convert to
+// GBK and back alike wherever the library runs (ASCII, the euro sign, the
+// ideographs U+4E00 to U+9FA5): its length in bytes, and in gbkLen that of
+// its GBK form. A round-trip check converts back only what follows it.
+std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLen) noexcept;
+
 // A conversion direction whose descriptor is opened at its first use and
 // kept for the rest of one read or write, so that a file with thousands of
 // texts does not open and close a descriptor for each of them.
@@ -90,7 +102,11 @@ struct Decimal {
 //    maps it elsewhere;
 //  - a UTF-8 text whose GBK result does not convert back to exactly the
 //    text has failed, as an irreversible conversion does, whether or not
-//    the converter reports the characters it replaced.
+//    the converter reports the characters it replaced. Only what follows
+//    the text's first characters that every GBK table maps alike (ASCII,
+//    the euro sign, the unified ideographs) is converted back: those
+//    cannot fail the check (text.cpp says why), and a text of nothing else
+//    is not converted back at all.
 class Conversion {
 public:
     Conversion(const char* tocode, const char* fromcode) noexcept;
@@ -123,17 +139,21 @@ private:
     const char* from_;
     Pair pair_;
     iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
+    bool initial_ = true;  // the descriptor is known to be in its initial state
 };
 
 // Text in the encoding a record holds it in, pointing into the converter's
-// buffer or into the source: valid until the next conversion.
+// buffer or into the source (ASCII text, and text kept unconverted): valid
+// until the next conversion, and while the source lives. Its length comes
+// with it, so that copies need not measure it again.
 struct RecordText {
     const char* text;
     Enc enc;
-    bool empty() const noexcept { return !text || !*text; }
+    std::size_t len;  // bytes before the terminator; 0 for a null text
+    bool empty() const noexcept { return len == 0; }
     template <std::size_t N>
     void copyTo(char (&dst)[N]) const noexcept {
-        copyField(dst, N, text, enc);
+        copyField(dst, N, text, len, enc);
     }
     // A heap copy of at most 1023 bytes, null when empty.
     char* dup() const noexcept { return dupBounded(text, enc); }
@@ -149,12 +169,18 @@ public:
     RecordText toRecord(const char* utf8) noexcept;
     // As toRecord, but null when the text does not convert.
     const char* toRecordOrNull(const char* utf8) noexcept;
+    // As toRecordOrNull, the result always in the converter's buffer: for
+    // a source that goes away before the result is used.
+    const char* toRecordInBuffer(const char* utf8) noexcept;
     // Record text (GBK) to file text (UTF-8); "" when it does not convert. A
     // text that is valid UTF-8 and has no GBK form can only be one a reader
     // kept unconverted: it is written back as it stands, as it was read.
     const char* toFile(const char* gbk) noexcept;
 
 private:
+    // File text (UTF-8, len bytes) as toRecordOrNull gives it; len then
+    // holds the length of the result.
+    const char* recordText(const char* utf8, std::size_t& len) noexcept;
     // in converted into the buffer, or null when it does not convert.
     // ASCII text is copied: both code pages write it as the same bytes.
     // A UTF-8 to GBK conversion is checked by converting back with back.

@@ -45,7 +45,7 @@ XmlText attr(const xmlNode* n, const char* name) noexcept {
     if (!n) return {};
     if (n->type == XML_ELEMENT_NODE) {
         const xmlAttr* a = n->properties;
-        while (a && std::strcmp(reinterpret_cast<const char*>(a->name), name) != 0) a = a->next;
+        while (a && !sameName(a->name, name)) a = a->next;
         if (a) {
             if (const xmlChar* text = singleText(a->children)) return XmlText::inTree(text);
         } else if (!hasDocumentType(n)) {
@@ -70,8 +70,9 @@ XmlText content(const xmlNode* n) noexcept {
 }
 
 const char* convertedText(Converter& converter, const xmlNode* n) noexcept {
+    // The text may be a copy that goes with this function's XmlText.
     XmlText text = content(n);
-    return converter.toRecordOrNull(text ? text.get() : "");
+    return converter.toRecordInBuffer(text ? text.get() : "");
 }
 
 namespace {

@@ -54,10 +54,17 @@ private:
     std::unique_ptr<xmlChar, Deleter> copy_;
 };
 
+// Whether a name in the tree (an element's or an attribute's) is name. The
+// first bytes are compared in place: they tell most names of a family
+// apart without a call.
+inline bool sameName(const xmlChar* treeName, const char* name) noexcept {
+    return treeName[0] == static_cast<unsigned char>(name[0]) &&
+           std::strcmp(reinterpret_cast<const char*>(treeName), name) == 0;
+}
+
 // Whether n is an element with exactly this name.
 inline bool isElement(const xmlNode* n, const char* name) noexcept {
-    return n && n->type == XML_ELEMENT_NODE &&
-           std::strcmp(reinterpret_cast<const char*>(n->name), name) == 0;
+    return n && n->type == XML_ELEMENT_NODE && sameName(n->name, name);
 }
 
 // The element children of a node in document order, optionally only those

@@ -12,7 +12,7 @@ int getLangIndex(int& count, char** table, const char* name) {
     if (!table) return -1;
     int known = kel::countWithin(count, kLangSlots);
     for (int i = 0; i < known; ++i)
-        if (table[i] && std::strcmp(table[i], name) == 0) return i;
+        if (table[i] && table[i][0] == name[0] && std::strcmp(table[i], name) == 0) return i;
     if (known == kLangSlots) return -1;
     char* copy = kel::dupBytes(name, std::strlen(name));
     if (!copy) return -1;
@@ -34,20 +34,23 @@ int decimal(const char* text) {
 class ListText {
 public:
     void assign(kel::RecordText text) noexcept {
-        buf_[0] = 0;
         enc_ = text.enc;
-        kel::copyField(buf_, text.text, enc_);
+        len_ = text.len ? kel::fitLength(text.text, text.len, sizeof buf_ - 1, enc_) : 0;
+        std::memcpy(buf_, text.text ? text.text : "", len_);
+        buf_[len_] = 0;
     }
     kel::Enc enc() const noexcept { return enc_; }
-    // Calls piece(m, text) for every piece m: a trailing comma adds none,
-    // empty pieces between commas count. Returns the number of pieces.
+    // Calls piece(m, text, len) for every piece m: a trailing comma adds
+    // none, empty pieces between commas count. Returns the number of pieces.
     template <class F>
     int split(F&& piece) noexcept {
         int m = 0;
-        for (char* rest = buf_; *rest && m < kListCapacity;) {
-            char* comma = std::strchr(rest, ',');
-            if (comma) *comma = 0;
-            piece(m++, rest);
+        char* end = buf_ + len_;
+        for (char* rest = buf_; rest < end && m < kListCapacity;) {
+            auto* comma = static_cast<char*>(std::memchr(rest, ',', end - rest));
+            char* stop = comma ? comma : end;
+            *stop = 0;
+            piece(m++, rest, static_cast<std::size_t>(stop - rest));
             if (!comma) break;
             rest = comma + 1;
         }
@@ -55,7 +58,8 @@ public:
     }
 
 private:
-    char buf_[1024] = "";
+    char buf_[1024];  // only its first len_ bytes and terminator are read
+    std::size_t len_ = 0;
     kel::Enc enc_ = kel::Enc::Gbk;
 };
 
@@ -161,9 +165,9 @@ private:
             }
         }
 
-        item.listEntryCount = values.split([&](int m, const char* piece) {
+        item.listEntryCount = values.split([&](int m, const char* piece, std::size_t len) {
             ListEntry& entry = item.listEntries[m];
-            kel::copyField(entry.value, piece, values.enc());
+            kel::copyField(entry.value, piece, len, values.enc());
             entry.owner = &item;
         });
         // Labels of entries without a value lie beyond listEntryCount, where
@@ -188,7 +192,7 @@ private:
     // Replaces the text in the element's language slot by a copy of text.
     void store(char* (&texts)[kLangSlots], const xmlNode* n, kel::RecordText text) noexcept {
         int slot = slotOf(n);
-        if (slot >= 0) replace(texts[slot], text.text ? text.text : "", text.enc);
+        if (slot >= 0) replace(texts[slot], text.text ? text.text : "", text.len, text.enc);
     }
 
     // Piece m of a "ListItem" becomes the label of list entry m.
@@ -197,14 +201,14 @@ private:
         if (slot < 0) return;
         ListText labels;
         labels.assign(text);
-        int pieces = labels.split([&](int m, const char* piece) {
-            replace(item.listEntries[m].label[slot], piece, labels.enc());
+        int pieces = labels.split([&](int m, const char* piece, std::size_t len) {
+            replace(item.listEntries[m].label[slot], piece, len, labels.enc());
         });
         if (pieces > labelledEntries_) labelledEntries_ = pieces;
     }
 
-    void replace(char*& field, const char* text, kel::Enc enc) noexcept {
-        if (!kel::replaceText(field, text, enc)) ok_ = false;
+    void replace(char*& field, const char* text, std::size_t len, kel::Enc enc) noexcept {
+        if (!kel::replaceText(field, text, len, enc)) ok_ = false;
     }
 
     Profile& p_;
