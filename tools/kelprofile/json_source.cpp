@@ -201,6 +201,13 @@ private:
 
 constexpr std::size_t kUnplaced = static_cast<std::size_t>(-1);
 
+// The path of the block holding the value at path ("$.a[2]" of "$.a[2].b"),
+// "" for the document itself.
+std::string enclosing(const std::string& path) {
+    std::size_t cut = path.find_last_of(".[");
+    return cut == std::string::npos || cut == 0 || path == "$" ? "" : path.substr(0, cut);
+}
+
 }  // namespace
 
 std::string step(const std::string& name) {
@@ -239,8 +246,7 @@ void Findings::print(std::ostream& out) {
     for (const Finding& f : found_)
         for (std::string p = f.path; !p.empty();) {
             wanted.emplace(p, kUnplaced);
-            std::size_t cut = p.find_last_of(".[");
-            p = cut == std::string::npos || cut == 0 || p == "$" ? "" : p.substr(0, cut);
+            p = enclosing(p);
         }
     if (!wanted.empty()) {
         const char* read = text_.data();
@@ -255,8 +261,7 @@ void Findings::print(std::ostream& out) {
                 f.offset = it->second;
                 break;
             }
-            std::size_t cut = p.find_last_of(".[");
-            p = cut == std::string::npos || cut == 0 || p == "$" ? "" : p.substr(0, cut);
+            p = enclosing(p);
         }
     std::stable_sort(found_.begin(), found_.end(),
                      [](const Finding& a, const Finding& b) { return a.offset < b.offset; });
