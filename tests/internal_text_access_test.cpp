@@ -130,4 +130,36 @@ TEST(TextAccess, RoundTripCheckStartsWhereTablesMayDisagree) {
     }
 }
 
+// A character passes the round-trip check once a read has seen it pass on
+// its own; never after a failure, nor as one of several that could fail. A
+// back direction into UTF-16 stands in for a platform whose converter does
+// not give the text back: every check it makes fails.
+TEST(TextAccess, RoundTripCheckRemembersWhatPassedAlone) {
+    struct Case {
+        const char* utf8;
+        bool honest;  // checked by converting back to UTF-8
+        int result;
+    };
+    const Case cases[] = {
+        {"中文", false, 0},         // nothing that could fail: never converted back
+        {"中文，", false, -1},      // a failed check
+        {"视频，", false, -1},      // is not remembered
+        {"文件。", true, 0},        // passes alone: remembered
+        {"手机。", false, 0},       // so not converted back again
+        {"。中。", false, 0},       // wherever it stands, however often
+        {"音频，适用。", true, 0},  // two that could fail pass together
+        {"，", false, -1},          // but neither is taken on trust
+        {"。，", false, -1},        // nor one beside a remembered one
+    };
+    kel::Conversion toGbk("gbk", "UTF-8");
+    kel::Conversion honest("UTF-8", "gbk"), untrue("UTF-16LE", "gbk");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.utf8);
+        char out[64];
+        EXPECT_EQ(toGbk.run(c.utf8, std::strlen(c.utf8), out, sizeof out, false,
+                            c.honest ? &honest : &untrue),
+                  c.result);
+    }
+}
+
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "core/memory.h"
@@ -83,14 +84,6 @@ char* dupBounded(const char* src, Enc enc) noexcept {
     return (src && *src) ? copyBounded(src, enc) : nullptr;
 }
 
-bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept {
-    // Copied before the old text is released, which text may point into.
-    char* copy = text ? dupBytes(text, fitLength(text, len, kMaxHeapText, enc)) : nullptr;
-    std::free(field);
-    field = copy;
-    return copy || !text;
-}
-
 char* formatInt(int value, char* buffer, int radix) noexcept {
     static const char kDigits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
     if (radix < 2 || radix > 36) {
@@ -116,7 +109,13 @@ char* formatInt(int value, char* buffer, int radix) noexcept {
 }
 
 int32_t parseInt(const char* text) noexcept {
-    return (text && *text) ? std::atoi(text) : 0;
+    if (!text || !*text) return 0;
+    // Nine digits at most and nothing else, as the files write numbers: the
+    // value atoi gives, without the cost of its call.
+    int32_t value = 0;
+    const char* p = text;
+    for (; p - text < 9 && *p >= '0' && *p <= '9'; ++p) value = value * 10 + (*p - '0');
+    return *p == 0 ? value : std::atoi(text);
 }
 
 namespace {
@@ -152,22 +151,25 @@ const char* nextEuro(const char* p, const char* end, bool gbk) noexcept {
     return end;
 }
 
-// Length of the ASCII prefix of s (len bytes), taken eight bytes at a time.
-std::size_t asciiPrefix(const char* s, std::size_t len) noexcept {
-    std::size_t i = 0;
-    for (; len - i >= 8; i += 8) {
-        std::uint64_t word;
-        std::memcpy(&word, s + i, sizeof word);
-        if (word & 0x8080808080808080u) break;
-    }
-    while (i < len && static_cast<unsigned char>(s[i]) < 0x80) ++i;
-    return i;
-}
-
 // Whether the first len bytes of s are ASCII, which both code pages write
-// as the same bytes.
+// as the same bytes. Taken eight bytes at a time, the last eight (which may
+// overlap the ones before) included, so no byte is looked at alone unless
+// the text is shorter than eight.
 bool isAscii(const char* s, std::size_t len) noexcept {
-    return asciiPrefix(s, len) == len;
+    constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+    std::uint64_t word;
+    if (len < sizeof word) {
+        for (std::size_t i = 0; i < len; ++i)
+            if (static_cast<unsigned char>(s[i]) >= 0x80) return false;
+        return true;
+    }
+    std::uint64_t high = 0;
+    for (std::size_t i = 0; i + sizeof word <= len; i += sizeof word) {
+        std::memcpy(&word, s + i, sizeof word);
+        high |= word;
+    }
+    std::memcpy(&word, s + len - sizeof word, sizeof word);
+    return ((high | word) & kHighBits) == 0;
 }
 
 }  // namespace
@@ -189,33 +191,58 @@ bool isAscii(const char* s, std::size_t len) noexcept {
 // converter converts character by character, so the GBK form of the whole
 // text starts with that of the prefix, and the text converts back exactly
 // when the rest of its GBK form gives back the rest of the text.
-std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLen) noexcept {
-    const auto* u = reinterpret_cast<const unsigned char*>(s);
-    std::size_t i = 0;
-    gbkLen = 0;
-    while (i < len) {
-        if (u[i] < 0x80) {
-            std::size_t ascii = asciiPrefix(s + i, len - i);
-            i += ascii;
-            gbkLen += ascii;
+namespace {
+
+// The longest prefix of a UTF-8 text made of characters sure to convert
+// back: its length in bytes and in GBK, and whether it holds a euro sign.
+struct SurePrefix {
+    std::size_t len;
+    std::size_t gbkLen;
+    bool euro;
+};
+
+SurePrefix surePrefix(const char* s, std::size_t len) noexcept {
+    const auto* begin = reinterpret_cast<const unsigned char*>(s);
+    const unsigned char* p = begin;
+    const unsigned char* end = begin + len;
+    // Each ASCII byte is one GBK byte, each ideograph two, the euro sign
+    // one: the GBK form is as long as the text less one byte a character
+    // beyond ASCII, and less one more for each euro sign.
+    std::size_t fewer = 0;
+    // A character of three bytes starts before this.
+    const unsigned char* lastStart = len >= 3 ? end - 2 : begin;
+    bool euro = false;
+    while (p < end) {
+        if (*p < 0x80) {
+            ++p;
             continue;
         }
-        if (len - i < 3) break;
+        if (p >= lastStart) break;
         // The three bytes as one number: UTF-8 keeps the order of code
         // points, so with both continuation bytes well formed, U+4E00
         // (E4 B8 80) to U+9FA5 (E9 BE A5) is one range of numbers.
-        std::uint32_t c = std::uint32_t{u[i]} << 16 | std::uint32_t{u[i + 1]} << 8 | u[i + 2];
+        std::uint32_t c = std::uint32_t{p[0]} << 16 | std::uint32_t{p[1]} << 8 | p[2];
         if ((c & 0xC0C0) != 0x8080) break;
         if (c - 0xE4B880u <= 0xE9BEA5u - 0xE4B880u) {
-            gbkLen += 2;
+            fewer += 1;
         } else if (c == 0xE282AC) {
-            gbkLen += 1;
+            fewer += 2;
+            euro = true;
         } else {
             break;
         }
-        i += 3;
+        p += 3;
     }
-    return i;
+    std::size_t sure = static_cast<std::size_t>(p - begin);
+    return {sure, sure - fewer, euro};
+}
+
+}  // namespace
+
+std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLen) noexcept {
+    SurePrefix sure = surePrefix(s, len);
+    gbkLen = sure.gbkLen;
+    return sure.len;
 }
 
 namespace {
@@ -239,6 +266,11 @@ Conversion::Conversion(const char* tocode, const char* fromcode) noexcept
     if (toGbk && fromUtf8) pair_ = Pair::ToGbk;
     if (toUtf8 && fromGbk) pair_ = Pair::ToUtf8;
 }
+
+Conversion::Conversion(Between direction) noexcept
+    : to_(direction == Between::Utf8ToGbk ? "gbk" : "UTF-8"),
+      from_(direction == Between::Utf8ToGbk ? "UTF-8" : "gbk"),
+      pair_(direction == Between::Utf8ToGbk ? Pair::ToGbk : Pair::ToUtf8) {}
 
 Conversion::~Conversion() {
     if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
@@ -287,23 +319,70 @@ int Conversion::run(const char* in, unsigned long inlen, char* out, unsigned lon
     std::size_t len = in ? inlen : 0;
     char* end = out;
     std::size_t room = outlen - 1;
-    bool ok = pair_ == Pair::Other ? convertRun(cd_, text, len, end, room)
-                                   : runPair(text, len, end, room);
+    // A UTF-8 to GBK conversion that is checked: what of the text is sure
+    // to convert back is known first, so a text of ASCII and ideographs
+    // alone is neither searched for euro signs nor checked.
+    bool checked = pair_ == Pair::ToGbk && back;
+    SurePrefix sure = checked ? surePrefix(text, len) : SurePrefix{0, 0, false};
+    bool plain = pair_ == Pair::Other || (checked && sure.len == len && !sure.euro);
+    bool ok = plain ? convertRun(cd_, text, len, end, room) : runPair(text, len, end, room);
     *end = 0;
     std::size_t length = static_cast<std::size_t>(end - out);
     if (written) *written = length;
-    if (ok && pair_ == Pair::ToGbk && back) {
-        // Only what follows the characters sure to convert back is checked.
-        std::size_t gbkSure = 0;
-        std::size_t sure = sureToConvertBack(text, len, gbkSure);
-        if (sure < len)
-            ok = gbkSure <= length &&
-                 back->givesBack(out + gbkSure, length - gbkSure, text + sure, len - sure);
-    }
+    if (ok && checked && sure.len < len)
+        ok = sure.gbkLen <= length && convertsBack(text + sure.len, len - sure.len,
+                                                   out + sure.gbkLen, length - sure.gbkLen, *back);
     // UTF-8 and GBK keep no shift state: a conversion between them that
     // succeeded leaves the initial state. Any other pair may not.
     initial_ = ok && pair_ != Pair::Other;
     return ok ? 0 : -1;
+}
+
+namespace {
+
+// Bytes of the UTF-8 character whose first byte is lead (1 for a byte that
+// starts none).
+std::size_t charLength(unsigned char lead) noexcept {
+    return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+}
+
+// A character's bytes (at most four) as one number: distinct characters
+// give distinct numbers, since the first byte tells how many follow.
+std::uint32_t packed(const char* s, std::size_t n) noexcept {
+    std::uint32_t c = 0;
+    for (std::size_t i = 0; i < n; ++i) c = c << 8 | static_cast<unsigned char>(s[i]);
+    return c;
+}
+
+}  // namespace
+
+bool Conversion::convertsBack(const char* rest, std::size_t restLen, const char* converted,
+                              std::size_t length, Conversion& back) noexcept {
+    // The characters of the rest that could fail: when each has passed a
+    // check of its own already, so has the rest.
+    bool allChecked = true;
+    std::uint32_t only = 0;  // the one character that could fail, or 0
+    bool several = false;
+    for (std::size_t i = 0;;) {
+        i += surePrefix(rest + i, restLen - i).len;
+        if (i == restLen) break;
+        std::size_t n = charLength(static_cast<unsigned char>(rest[i]));
+        if (n > restLen - i) n = restLen - i;
+        std::uint32_t c = packed(rest + i, n);
+        allChecked = allChecked &&
+                     std::find(checked_, checked_ + checkedCount_, c) != checked_ + checkedCount_;
+        several = several || (only != 0 && c != only);
+        only = c;
+        i += n;
+    }
+    if (allChecked) return true;
+    bool ok = back.givesBack(converted, length, rest, restLen);
+    // With one character that could fail, among others that cannot, the
+    // rest gives back the text only if that character gives back itself:
+    // it then passes wherever it stands. With two, one's extra character
+    // could stand in for one the other lost, so neither is taken as passed.
+    if (ok && !several && checkedCount_ < kCheckedCapacity) checked_[checkedCount_++] = only;
+    return ok;
 }
 
 bool Conversion::givesBack(const char* converted, std::size_t len, const char* source,

@@ -7,7 +7,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
+
+#include "core/memory.h"
 
 namespace kel {
 
@@ -47,7 +50,16 @@ char* dupBounded(const char* src, Enc enc) noexcept;
 // Replaces a heap text by a copy of text (len bytes) cut as by dupBounded
 // (an empty text gives an empty copy, a null one null), releasing the old
 // one. False when the copy cannot be allocated (the field is then null).
-bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept;
+// Inline: a read makes one for every text it keeps.
+inline bool replaceText(char*& field, const char* text, std::size_t len, Enc enc) noexcept {
+    // Copied before the old text is released, which text may point into.
+    char* copy = nullptr;
+    if (text)
+        copy = dupBytes(text, len <= kMaxHeapText ? len : fitLength(text, len, kMaxHeapText, enc));
+    if (field) std::free(field);
+    field = copy;
+    return copy || !text;
+}
 
 // A record's fixed text field as a terminated string, read no further than
 // the field's width: writers take record fields through it, so a field the
@@ -106,10 +118,17 @@ std::size_t sureToConvertBack(const char* s, std::size_t len, std::size_t& gbkLe
 //    the text's first characters that every GBK table maps alike (ASCII,
 //    the euro sign, the unified ideographs) is converted back: those
 //    cannot fail the check (text.cpp says why), and a text of nothing else
-//    is not converted back at all.
+//    is not converted back at all. A character that passed the check on
+//    its own is not converted back again by the same direction: a read
+//    checks the "。" ending most Chinese descriptions once, not once a
+//    text.
 class Conversion {
 public:
     Conversion(const char* tocode, const char* fromcode) noexcept;
+    // The two directions between the code pages of files and records,
+    // known without comparing names.
+    enum class Between : unsigned char { Utf8ToGbk, GbkToUtf8 };
+    explicit Conversion(Between direction) noexcept;
     ~Conversion();
     Conversion(const Conversion&) = delete;
     Conversion& operator=(const Conversion&) = delete;
@@ -134,6 +153,19 @@ private:
     // exactly source (sourceLen bytes).
     bool givesBack(const char* converted, std::size_t len, const char* source,
                    std::size_t sourceLen) noexcept;
+    // The round-trip check, made with back, of the rest of a UTF-8 text
+    // from its first character that could fail (restLen bytes), whose GBK
+    // form is converted (length bytes).
+    bool convertsBack(const char* rest, std::size_t restLen, const char* converted,
+                      std::size_t length, Conversion& back) noexcept;
+
+    // Characters (their UTF-8 bytes, packed into one number) that this
+    // direction converted to GBK and back to themselves, each alone in
+    // what its check converted back: the per-character conversion gives
+    // them back wherever they stand.
+    static constexpr int kCheckedCapacity = 8;
+    std::uint32_t checked_[kCheckedCapacity];
+    int checkedCount_ = 0;
 
     const char* to_;
     const char* from_;
@@ -187,8 +219,8 @@ private:
     const char* convert(Conversion& direction, const char* in, Conversion* back) noexcept;
 
     char buf_[kSize];
-    Conversion toGbk_{"gbk", "UTF-8"};
-    Conversion toUtf8_{"UTF-8", "gbk"};
+    Conversion toGbk_{Conversion::Between::Utf8ToGbk};
+    Conversion toUtf8_{Conversion::Between::GbkToUtf8};
 };
 
 }  // namespace kel
