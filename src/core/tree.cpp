@@ -24,49 +24,18 @@ int countElements(xmlNode* parent, const char* name) noexcept {
     return n;
 }
 
-namespace {
-// The text of a node list that is one text node, read in place; null when
-// the list is anything else (empty, several nodes, entity references).
-const xmlChar* singleText(const xmlNode* list) noexcept {
-    if (!list || list->next || list->content == nullptr) return nullptr;
-    return list->type == XML_TEXT_NODE || list->type == XML_CDATA_SECTION_NODE ? list->content
-                                                                               : nullptr;
-}
-
-bool hasDocumentType(const xmlNode* n) noexcept {
-    return n->doc && (n->doc->intSubset || n->doc->extSubset);
-}
-}  // namespace
-
-// Both read the tree in place where they can, and leave every other case to
-// libxml2's own copy, so the text is always the one xmlGetProp and
-// xmlNodeGetContent give.
-XmlText attr(const xmlNode* n, const char* name) noexcept {
-    if (!n) return {};
-    if (n->type == XML_ELEMENT_NODE) {
-        const xmlAttr* a = n->properties;
-        while (a && !sameName(a->name, name)) a = a->next;
-        if (a) {
-            if (const xmlChar* text = singleText(a->children)) return XmlText::inTree(text);
-        } else if (!hasDocumentType(n)) {
-            return {};  // absent, and no document type to declare a default
-        }
-    }
+namespace detail {
+XmlText propCopy(const xmlNode* n, const char* name) noexcept {
     return XmlText(xmlGetProp(n, reinterpret_cast<const xmlChar*>(name)));
 }
 
+XmlText contentCopy(const xmlNode* n) noexcept {
+    return XmlText(xmlNodeGetContent(n));
+}
+}  // namespace detail
+
 int32_t attrInt(const xmlNode* n, const char* name) noexcept {
     return parseInt(attr(n, name).get());
-}
-
-XmlText content(const xmlNode* n) noexcept {
-    if (!n) return {};
-    if (n->type == XML_ELEMENT_NODE) {
-        static const xmlChar kEmpty[] = "";
-        if (!n->children) return XmlText::inTree(kEmpty);
-        if (const xmlChar* text = singleText(n->children)) return XmlText::inTree(text);
-    }
-    return XmlText(xmlNodeGetContent(n));
 }
 
 const char* convertedText(Converter& converter, const xmlNode* n) noexcept {

@@ -104,15 +104,52 @@ inline Elements elements(xmlNode* parent, const char* name = nullptr) noexcept {
 }
 int countElements(xmlNode* parent, const char* name) noexcept;
 
+namespace detail {
+// The text of a node list that is one text node, read in place; null when
+// the list is anything else (empty, several nodes, entity references).
+inline const xmlChar* singleText(const xmlNode* list) noexcept {
+    if (!list || list->next || list->content == nullptr) return nullptr;
+    return list->type == XML_TEXT_NODE || list->type == XML_CDATA_SECTION_NODE ? list->content
+                                                                               : nullptr;
+}
+// libxml2's own copies, for what the tree does not hold as one text.
+XmlText propCopy(const xmlNode* n, const char* name) noexcept;
+XmlText contentCopy(const xmlNode* n) noexcept;
+}  // namespace detail
+
+// Both read the tree in place where they can (inline: readers ask for
+// thousands of them), and leave every other case to libxml2's own copy, so
+// the text is always the one xmlGetProp and xmlNodeGetContent give.
+//
 // Attribute value as in the file (UTF-8), or none. The first attribute of
 // that name whatever its namespace, else a default the document type
 // declares.
-XmlText attr(const xmlNode* n, const char* name) noexcept;
+inline XmlText attr(const xmlNode* n, const char* name) noexcept {
+    if (!n) return {};
+    if (n->type == XML_ELEMENT_NODE) {
+        const xmlAttr* a = n->properties;
+        while (a && !sameName(a->name, name)) a = a->next;
+        if (a) {
+            if (const xmlChar* text = detail::singleText(a->children)) return XmlText::inTree(text);
+        } else if (!(n->doc && (n->doc->intSubset || n->doc->extSubset))) {
+            return {};  // absent, and no document type to declare a default
+        }
+    }
+    return detail::propCopy(n, name);
+}
 // Decimal attribute as atoi reads it; absent or empty gives 0.
 int32_t attrInt(const xmlNode* n, const char* name) noexcept;
 // The whole text content of a node and its descendants ("" for an element
 // without any).
-XmlText content(const xmlNode* n) noexcept;
+inline XmlText content(const xmlNode* n) noexcept {
+    if (!n) return {};
+    if (n->type == XML_ELEMENT_NODE) {
+        static const xmlChar kEmpty[] = "";
+        if (!n->children) return XmlText::inTree(kEmpty);
+        if (const xmlChar* text = detail::singleText(n->children)) return XmlText::inTree(text);
+    }
+    return detail::contentCopy(n);
+}
 // The text content of an element converted to record text (GBK), in the
 // converter's buffer until its next conversion; null when it does not
 // convert, and a reader then skips the element, attributes and all.

@@ -10,7 +10,6 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
@@ -52,10 +51,21 @@ private:
     int count_ = 0;
 };
 
+// "folder/name", the folder taken as its first folderLen bytes, into out
+// of size bytes; false when it does not fit.
+bool joinPath(char* out, std::size_t size, const char* folder, std::size_t folderLen,
+              const char* name) noexcept {
+    std::size_t nameLen = std::strlen(name);
+    if (folderLen + 1 + nameLen >= size) return false;
+    std::memcpy(out, folder, folderLen);
+    out[folderLen] = '/';
+    std::memcpy(out + folderLen + 1, name, nameLen + 1);
+    return true;
+}
+
 // "folder/name" into out; false when it does not fit.
 bool join(char (&out)[kJoinSize], const char* folder, const char* name) noexcept {
-    int n = std::snprintf(out, sizeof out, "%s/%s", folder, name);
-    return n >= 0 && static_cast<std::size_t>(n) < sizeof out;
+    return joinPath(out, sizeof out, folder, std::strlen(folder), name);
 }
 
 // The status of a path, links followed; false when it has none. The
@@ -83,8 +93,7 @@ void appendFile(const char* folder, int folderLen, const char* name, int* count,
                 char** names) noexcept {
     if (*count >= kel::kMaxFolderFiles) return;
     char path[kel::kMaxFolderPath];
-    int n = std::snprintf(path, sizeof path, "%.*s/%s", folderLen, folder, name);
-    if (n < 0 || static_cast<std::size_t>(n) >= sizeof path) return;
+    if (!joinPath(path, sizeof path, folder, static_cast<std::size_t>(folderLen), name)) return;
     if (char* copy = kel::dupText(path)) names[(*count)++] = copy;
 }
 

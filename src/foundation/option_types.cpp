@@ -18,7 +18,8 @@ constexpr unsigned kValueCount = 3;
 int lookup(const char* text, unsigned first, unsigned count) {
     if (!text) return -1;
     for (unsigned i = 0; i < count; ++i)
-        if (std::strcmp(text, kTypeNames[first + i]) == 0) return static_cast<int>(i);
+        if (text[0] == kTypeNames[first + i][0] && std::strcmp(text, kTypeNames[first + i]) == 0)
+            return static_cast<int>(i);
     return -1;
 }
 
