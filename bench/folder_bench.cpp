@@ -20,12 +20,12 @@
 //
 //   folder_bench [--rounds N]     the table
 //   folder_bench --generate DIR   writes the two folders into DIR
-//   folder_bench --repeat parse|cleanup|floor|loader FOLDER N
+//   folder_bench --repeat parse|cleanup|floor|texts|loader FOLDER N
 //                                 one variant N times warm, for profilers
 //   folder_bench --instructions [N]
 //                                 the cold loads' instructions under
 //                                 callgrind, medians of N runs (3)
-//   folder_bench --cold parse|cleanup|floor|loader|memory FOLDER
+//   folder_bench --cold parse|cleanup|floor|texts|loader|memory FOLDER
 //                                 one cold run (what the table spawns); under
 //                                 valgrind --tool=callgrind
 //                                 --collect-atstart=no it counts the load
@@ -227,14 +227,15 @@ public:
     ~FloorConversion() {
         if (cd_ != reinterpret_cast<iconv_t>(-1)) iconv_close(cd_);
     }
-    // The text of element n, when it is one text node.
-    void text(const xmlNode* n) {
+    // The text of element n, when it is one text node, in record form: in
+    // the buffer when converted, else where it stands; null for none.
+    const char* text(const xmlNode* n) {
         const xmlNode* t = n->children;
-        if (!t || t->next || t->type != XML_TEXT_NODE || !t->content) return;
+        if (!t || t->next || t->type != XML_TEXT_NODE || !t->content) return nullptr;
         const auto* s = reinterpret_cast<const unsigned char*>(t->content);
         const unsigned char* p = s;
         while (*p && *p < 0x80) ++p;
-        if (!*p) return;
+        if (!*p) return reinterpret_cast<const char*>(s);
         std::size_t len =
             static_cast<std::size_t>(p - s) + std::strlen(reinterpret_cast<const char*>(p));
         if (cd_ == reinterpret_cast<iconv_t>(-1)) cd_ = iconv_open("gbk", "UTF-8");
@@ -243,14 +244,37 @@ public:
         std::size_t room = sizeof buffer_ - 1;
         iconv(cd_, &in, &len, &out, &room);
         *out = 0;
+        return buffer_;
     }
-    // The texts of parent's element children.
-    void children(const xmlNode* parent) {
-        for (const xmlNode* n = parent ? parent->children : nullptr; n; n = n->next)
-            if (n->type == XML_ELEMENT_NODE) text(n);
+    // The texts of parent's element children; with texts given, also the
+    // heap copies the record owns of them (see copies).
+    void children(const xmlNode* parent, std::vector<void*>* texts = nullptr) {
+        for (const xmlNode* n = parent ? parent->children : nullptr; n; n = n->next) {
+            if (n->type != XML_ELEMENT_NODE) continue;
+            const char* s = text(n);
+            if (texts && s) copies(n, s, *texts);
+        }
     }
 
 private:
+    // A record owns a heap copy of each text in a language: in these files,
+    // each element with an attribute ("lang"). A list of labels ("ListItem")
+    // gives one copy a piece between commas.
+    static void copies(const xmlNode* n, const char* s, std::vector<void*>& texts) {
+        if (!n->properties) return;
+        bool list = n->name[0] == 'L' && n->name[1] == 'i';
+        for (;;) {
+            const char* comma = list ? std::strchr(s, ',') : nullptr;
+            std::size_t len = comma ? static_cast<std::size_t>(comma - s) : std::strlen(s);
+            auto* copy = static_cast<char*>(std::malloc(len + 1));
+            std::memcpy(copy, s, len);
+            copy[len] = 0;
+            texts.push_back(copy);
+            if (!comma) return;
+            s = comma + 1;
+        }
+    }
+
     iconv_t cd_ = reinterpret_cast<iconv_t>(-1);
     char buffer_[1024];
 };
@@ -272,15 +296,21 @@ xmlDoc* libraryParse(const std::string& path) {
 // (the children of "Main", "Group" and each configuration item), and the
 // zeroed blocks a read of every file must leave, allocated as a reader
 // allocates them: the records, and per file its items and each item's 20
-// list entries. Blocks collects them.
-void contractFloor(const std::vector<std::string>& paths, std::vector<void*>& blocks) {
+// list entries. Blocks collects them. With texts, the floor also makes the
+// heap copies of the texts in a language that the records own (display
+// names, descriptions, labels, each list label), as blocks of their own
+// with their bytes copied; not the copies of the language names (two a
+// file), a lower floor than the contract's.
+void contractFloor(const std::vector<std::string>& paths, std::vector<void*>& blocks,
+                   bool texts = false) {
+    std::vector<void*>* copies = texts ? &blocks : nullptr;
     blocks.push_back(std::calloc(paths.size(), sizeof(Profile)));
     for (const std::string& path : paths) {
         xmlDoc* doc = libraryParse(path);
         xmlNode* root = xmlDocGetRootElement(doc);
         FloorConversion conversion;
-        conversion.children(child(root, "Main"));
-        conversion.children(child(root, "Group"));
+        conversion.children(child(root, "Main"), copies);
+        conversion.children(child(root, "Group"), copies);
         xmlNode* config = child(root, "Config");
         std::size_t items = 0;
         for (xmlNode* n = config ? config->children : nullptr; n; n = n->next)
@@ -288,8 +318,8 @@ void contractFloor(const std::vector<std::string>& paths, std::vector<void*>& bl
         blocks.push_back(std::calloc(items, sizeof(ConfigItem)));
         for (xmlNode* n = config ? config->children : nullptr; n; n = n->next) {
             if (n->type != XML_ELEMENT_NODE) continue;
-            conversion.children(n);
             blocks.push_back(std::calloc(20, sizeof(ListEntry)));
+            conversion.children(n, copies);
         }
         xmlFreeDoc(doc);
     }
@@ -429,9 +459,9 @@ int coldChild(const std::string& what, const fs::path& folder) {
         parseAndFree(paths, false);
     } else if (what == "cleanup") {
         parseAndFree(paths, true);
-    } else if (what == "floor") {
+    } else if (what == "floor" || what == "texts") {
         std::vector<void*> blocks;
-        contractFloor(paths, blocks);
+        contractFloor(paths, blocks, what == "texts");
     } else if (what == "loader") {
         RecordArray result = loadFolder(folder);
         if (result.count != static_cast<int>(paths.size())) return 1;
@@ -472,14 +502,14 @@ int repeat(const std::string& what, const fs::path& folder, int times) {
     std::sort(paths.begin(), paths.end());
     std::vector<void*> blocks;
     RecordArray loaded{nullptr, 0};
-    Variant v =
-        what == "floor"
-            ? timed(
-                  what, [&] { contractFloor(paths, blocks); }, [&] { releaseBlocks(blocks); })
-        : what == "loader"
-            ? timed(
-                  what, [&] { loaded = loadFolder(folder); }, [&] { releaseFolder(loaded); })
-            : timed(what, [&] { parseAndFree(paths, what == "cleanup"); });
+    Variant v = what == "floor" || what == "texts"
+                    ? timed(
+                          what, [&] { contractFloor(paths, blocks, what == "texts"); },
+                          [&] { releaseBlocks(blocks); })
+                : what == "loader" ? timed(
+                                         what, [&] { loaded = loadFolder(folder); },
+                                         [&] { releaseFolder(loaded); })
+                                   : timed(what, [&] { parseAndFree(paths, what == "cleanup"); });
     for (int i = 0; i < times; ++i) std::printf("%.2f\n", v.run());
     return 0;
 }
@@ -520,22 +550,23 @@ void folderRows(const ProfileFolder& folder, int rounds) {
         timed(
             "floor", [&] { contractFloor(paths, blocks); }, [&] { releaseBlocks(blocks); }),
         timed(
+            "texts", [&] { contractFloor(paths, blocks, true); }, [&] { releaseBlocks(blocks); }),
+        timed(
             "loader", [&] { loaded = loadFolder(folder.path); }, [&] { releaseFolder(loaded); }),
         lxml(folder.path, 1),
     };
     std::vector<double> w = interleaved(warm, rounds);
     std::string label = folder.label() + ", warm";
-    row(label.c_str(), w[3], {w[0], w[1], w[2], w[4]});
+    row(label.c_str(), w[4], {w[0], w[1], w[2], w[3], w[5]});
 
     std::vector<double> peaks;
     std::vector<Variant> fresh = {
-        cold("parse", folder.path), cold("cleanup", folder.path),
-        cold("floor", folder.path), cold("loader", folder.path, &peaks),
-        lxml(folder.path, 0),
+        cold("parse", folder.path), cold("cleanup", folder.path),        cold("floor", folder.path),
+        cold("texts", folder.path), cold("loader", folder.path, &peaks), lxml(folder.path, 0),
     };
     std::vector<double> c = interleaved(fresh, rounds);
     label = folder.label() + ", cold";
-    row(label.c_str(), c[3], {c[0], c[1], c[2], c[4]});
+    row(label.c_str(), c[4], {c[0], c[1], c[2], c[3], c[5]});
 
     std::size_t records = 0, document = 0;
     std::sscanf(output({gSelf, "--cold", "memory", folder.path.string()}).c_str(), "%zu %zu",
@@ -575,14 +606,15 @@ int instructionTable(int runs) {
         "Millions of instructions (callgrind Ir) of one load in a fresh process, "
         "medians of %d runs\n\n",
         runs);
-    std::printf("| %-26s | %9s | %9s | %9s | %7s | %7s |\n", "praseXMLFolder, cold", "loader",
-                "floor", "parse", "/floor", "/parse");
-    std::printf("|%s|%s|%s|%s|%s|%s|\n", std::string(28, '-').c_str(), std::string(11, '-').c_str(),
-                std::string(11, '-').c_str(), std::string(11, '-').c_str(),
-                std::string(9, '-').c_str(), std::string(9, '-').c_str());
+    std::printf("| %-26s | %9s | %9s | %9s | %9s | %7s | %7s | %7s |\n", "praseXMLFolder, cold",
+                "loader", "floor", "+texts", "parse", "/floor", "/+texts", "/parse");
+    std::string cell(11, '-'), ratio(9, '-');
+    std::printf("|%s|%s|%s|%s|%s|%s|%s|%s|\n", std::string(28, '-').c_str(), cell.c_str(),
+                cell.c_str(), cell.c_str(), cell.c_str(), ratio.c_str(), ratio.c_str(),
+                ratio.c_str());
     for (const ProfileFolder* folder : {&small, &large}) {
         std::vector<Variant> variants;
-        for (const char* what : {"loader", "floor", "parse"}) {
+        for (const char* what : {"loader", "floor", "texts", "parse"}) {
             fs::path path = folder->path;
             std::string name = what;
             variants.push_back({name, [name, path] { return instructions(name, path) / 1e6; }});
@@ -599,9 +631,11 @@ int instructionTable(int runs) {
                 }
                 counts[i].push_back(m);
             }
-        double loader = median(counts[0]), floor = median(counts[1]), parse = median(counts[2]);
-        std::printf("| %-26s | %9.1f | %9.1f | %9.1f | %6.3fx | %6.3fx |\n",
-                    folder->label().c_str(), loader, floor, parse, loader / floor, loader / parse);
+        double loader = median(counts[0]), floor = median(counts[1]), texts = median(counts[2]),
+               parse = median(counts[3]);
+        std::printf("| %-26s | %9.1f | %9.1f | %9.1f | %9.1f | %6.3fx | %6.3fx | %6.3fx |\n",
+                    folder->label().c_str(), loader, floor, texts, parse, loader / floor,
+                    loader / texts, loader / parse);
     }
     return 0;
 }
@@ -816,11 +850,12 @@ int main(int argc, char** argv) {
         "turns;\nwarm after one untimed run of each, cold in fresh processes. Each ratio is "
         "praseXMLFolder's\ntime over the column's.%s\n\n",
         rounds, gLxml.empty() ? " (lxml: python3-lxml not installed)" : "");
-    std::printf("| %-34s | %9s | %7s | %7s | %7s | %7s |\n", "praseXMLFolder", "ms", "/parse",
-                "/+clean", "/floor", "/lxml");
-    std::printf("|%s|%s|%s|%s|%s|%s|\n", std::string(36, '-').c_str(), std::string(11, '-').c_str(),
-                std::string(9, '-').c_str(), std::string(9, '-').c_str(),
-                std::string(9, '-').c_str(), std::string(9, '-').c_str());
+    std::printf("| %-34s | %9s | %7s | %7s | %7s | %7s | %7s |\n", "praseXMLFolder", "ms", "/parse",
+                "/+clean", "/floor", "/+texts", "/lxml");
+    std::string ratio(9, '-');
+    std::printf("|%s|%s|%s|%s|%s|%s|%s|\n", std::string(36, '-').c_str(),
+                std::string(11, '-').c_str(), ratio.c_str(), ratio.c_str(), ratio.c_str(),
+                ratio.c_str(), ratio.c_str());
     folderRows(small, rounds);
     folderRows(large, rounds);
     familyRows(small, scratch.path(), rounds);
